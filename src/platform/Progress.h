@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+namespace pulsemod {
+
+/// The window `frmPleaseWait`: one line of text while a long exchange with the meter goes on. Not
+/// modal; the user may close it, which stops nothing by itself.
+class Progress {
+ public:
+  virtual ~Progress() = default;
+
+  /// Shows the window with `text`, painted at once.
+  virtual void show(const std::string& text) = 0;
+  /// Shows the window with `text` if `hide` is not called within `milliseconds`.
+  virtual void showAfter(int milliseconds, const std::string& text) = 0;
+  /// Replaces the text and paints it at once if the window is visible; does not show it.
+  virtual void setText(const std::string& text) = 0;
+  virtual void hide() = 0;
+
+  /// The user has closed the window since it was last shown.
+  virtual bool dismissed() const = 0;
+};
+
+}  // namespace pulsemod

@@ -1,0 +1,116 @@
+#include "profile/AcquisitionLoop.h"
+
+#include <algorithm>
+#include <string>
+
+#include "link/Conversation.h"
+#include "link/Fault.h"
+#include "link/MeterLink.h"
+#include "link/NumberText.h"
+#include "platform/Services.h"
+#include "profile/MeasurementSettings.h"
+#include "profile/ParameterEdits.h"
+#include "profile/ProfileGraph.h"
+#include "profile/ProfileParameters.h"
+#include "profile/ProfileReader.h"
+#include "profile/ProfileView.h"
+#include "profile/Readouts.h"
+
+namespace pulsemod {
+
+std::uint32_t AcquisitionRequests = 0;
+
+namespace {
+
+void showRate(float start) {
+  const float elapsed = onDayOf(start, services().clock.secondsSinceMidnight()) - start;
+  // The clock's steps are longer than a fast pass late in the day: no rate can be told then.
+  if (elapsed <= 0) return;
+  profileView().showRate("Profile/Second: " + fixedText(1.0 / static_cast<double>(elapsed), 1, 2),
+                         "Update speed of the GPIB, not the update speed of this display");
+}
+
+bool aMarkerIsOn() {
+  return std::any_of(Settings.Markers.begin(), Settings.Markers.begin() + deltaMarker,
+                     [](const MarkerSettings& marker) { return marker.Enabled != False16; });
+}
+
+void acquire() {
+  const float start = services().clock.secondsSinceMidnight();
+  const bool profileIsNew = ReadProfile();
+  CarryOutPendingEdits();
+  if (!profileIsNew) return;
+  showRate(start);
+  if (aMarkerIsOn()) ReadMarkerReadings();
+  if (!RefreshPicture()) StopAcquisition();
+  services().events.processPending();
+}
+
+/// The capture time is read twice, before and after the progress text, as the meter's users know
+/// it.
+void readBackAtStart() {
+  if (ReadDisplayPoints() == ProfileReadout::notAProfile) return;
+  ReadParameter(captureTimeParameter);
+  ReadParameter(referenceLevelParameter);
+  ReadParameter(scaleParameter);
+  services().progress.setText("Please Wait... Reading Capture Period...");
+  ReadParameter(captureTimeParameter);
+  ReadParameter(triggerDelayParameter);
+}
+
+void startWhenLinkIsFree(std::uint32_t request) {
+  if (request != AcquisitionRequests) return;
+  try {
+    ClearMeter();
+    readBackAtStart();
+  } catch (const Fault&) {
+    StopAcquisition();
+    throw;
+  }
+  RefreshGraph();
+  if (request == AcquisitionRequests) AcquisitionRunning = True16;
+}
+
+}  // namespace
+
+void RunAcquisitionLoop() {
+  while (true) AcquireProfile();
+}
+
+void AcquireProfile() {
+  EventQueue& events = services().events;
+  if (AcquisitionRunning == False16) {
+    events.processUntilEvent();
+  } else {
+    events.processPending();
+  }
+  if (AcquisitionRunning == False16) return;
+  try {
+    converse(acquire);
+  } catch (const Fault& fault) {
+    StopAcquisition();
+    reportFault(fault.what());
+  }
+}
+
+void StartAcquisition() {
+  profileView().showAcquisitionStarted();
+  whenLinkIsFree([request = ++AcquisitionRequests] { startWhenLinkIsFree(request); });
+}
+
+void StopAcquisition() {
+  profileView().showAcquisitionStopped();
+  ++AcquisitionRequests;
+  AcquisitionRunning = False16;
+  whenLinkIsFree(CarryOutPendingEdits);
+}
+
+void SetTriggerFreeRun() {
+  whenLinkIsFree([] { SendCommand("TR3"); });
+}
+
+void SetMeterDisplayStopped(bool stopped) {
+  whenLinkIsFree([stopped] { SendCommand(stopped ? "SYDISP OFF" : "SYDISP ON"); });
+}
+
+}  // namespace pulsemod

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+
+namespace pulsemod {
+
+/// Counts the starts and stops that the user asked for. A start whose exchange finds the count
+/// moved on was overtaken by a stop or another start, and does not set `AcquisitionRunning`.
+extern std::uint32_t AcquisitionRequests;
+
+/// The program's main loop for the rest of the run: repeats `AcquireProfile`.
+[[noreturn]] void RunAcquisitionLoop();
+
+/// One pass: lets the user interface run, and while the acquisition runs reads one profile, carries
+/// out pending edits, shows the rate, reads the markers and redraws. While it does not run, the
+/// pass waits for an event. A failed profile read skips what follows the edits, silently; a fault
+/// stops the acquisition and is reported.
+void AcquireProfile();
+
+/// `menuStart`: menus first; then, when the link is free, device clear (GPIB), the read-back of
+/// points, times and levels, and the acquisition runs. A stop meanwhile cancels the start.
+void StartAcquisition();
+
+/// `menuStop`: the profile in progress is finished, no further one is requested. Edits that are
+/// still pending reach the meter as soon as the link is free.
+void StopAcquisition();
+
+/// `menuFreeRun`: the meter's trigger returns to free run.
+void SetTriggerFreeRun();
+
+/// `menudisplayupdate`: stops (true) or resumes the meter's own display updating.
+void SetMeterDisplayStopped(bool stopped);
+
+}  // namespace pulsemod

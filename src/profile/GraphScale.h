@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/Picture.h"
+
+/// The profile graph's coordinates: x counts trace points (left edge 1, width `DisplayPoints`), y
+/// is dBm (`ReferenceLevel` at the top, ten divisions of `ScalePerDivision` downward).
+
+namespace pulsemod {
+
+inline constexpr int graphDivisions = 10;
+
+/// Time in seconds to graph x, clamped to 0 ... `DisplayPoints`. So the trigger delay itself lies
+/// at x = 0, one point left of the visible edge. A capture time or a number of points of zero is a
+/// `Fault`.
+float TimeToGraphX(float seconds);
+
+/// Graph x to time in seconds, not clamped. Display points of zero are a `Fault`.
+float GraphXToTime(float x);
+
+/// The user scale of the profile graph. A `Fault` when the settings leave no area to draw on (no
+/// points, no height, no capture time).
+PictureScale profileGraphScale();
+
+/// Level at the bottom edge, dBm.
+double graphBottomLevel();
+
+}  // namespace pulsemod

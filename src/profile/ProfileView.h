@@ -1,0 +1,63 @@
+#pragma once
+
+#include <array>
+#include <span>
+#include <string>
+
+#include "platform/Picture.h"
+
+/// What the profile subsystem asks of its window, `frmMain`.
+
+namespace pulsemod {
+
+enum class GraphLabel { reference, scale, capture, start, stop };
+
+/// One vertical line of a gate on the graph, over the full height. Gate g (1 to 8) has the elements
+/// 4(g-1) to 4(g-1)+3: start, stop, fence start, fence stop. Gate lines are solid, fence lines
+/// dashed.
+struct GateLine {
+  bool visible = false;
+  /// Graph x position, in trace points.
+  double x = 0;
+  friend bool operator==(const GateLine&, const GateLine&) = default;
+};
+inline constexpr std::size_t linesPerGate = 4;
+using GateLineArray = std::array<GateLine, 8 * linesPerGate>;
+
+class ProfileView {
+ public:
+  virtual ~ProfileView() = default;
+
+  /// `GraphPic`.
+  virtual Picture& graph() = 0;
+  /// The caption of `lblRef`, `lblscale`, `lblCapture`, `lblStart` or `lblStop`.
+  virtual void setGraphLabel(GraphLabel label, const std::string& caption) = 0;
+  /// Places `GateLine`; they stay until the next call, whatever is drawn meanwhile.
+  virtual void placeGateLines(const GateLineArray& lines) = 0;
+  /// `lblgraphspeed` and its tool tip.
+  virtual void showRate(const std::string& caption, const std::string& toolTip) = 0;
+
+  /// Brings menus in line with a started or stopped acquisition; starting hides `frmProperties`.
+  virtual void showAcquisitionStarted() = 0;
+  virtual void showAcquisitionStopped() = 0;
+
+  /// `menuSecondProfile` is checked.
+  virtual bool secondProfileIsShown() const = 0;
+};
+
+/// The window; calling it before one is there ends the process.
+ProfileView& profileView();
+
+/// Makes `view` the window for as long as the guard lives.
+class ProfileViewGuard {
+ public:
+  explicit ProfileViewGuard(ProfileView& view);
+  ~ProfileViewGuard();
+  ProfileViewGuard(const ProfileViewGuard&) = delete;
+  ProfileViewGuard& operator=(const ProfileViewGuard&) = delete;
+
+ private:
+  ProfileView* previous_;
+};
+
+}  // namespace pulsemod

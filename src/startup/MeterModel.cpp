@@ -1,0 +1,22 @@
+#include "startup/MeterModel.h"
+
+namespace pulsemod {
+
+std::int32_t MeterModel = 0;
+
+std::int32_t modelOfIdentity(std::string_view identity) {
+  struct Model {
+    std::string_view name;
+    std::int32_t code;
+  };
+  constexpr Model models[] = {
+      {"QX7104", 2}, {"QX7105", 1}, {"QX7204", 3}, {"QX7205", 4}, {"QX7205A", 5},
+  };
+  std::int32_t code = 0;
+  for (const Model& model : models) {
+    if (identity.find(model.name) != std::string_view::npos) code = model.code;
+  }
+  return code;
+}
+
+}  // namespace pulsemod

@@ -1,0 +1,117 @@
+#include "startup/StartUp.h"
+
+#include "link/CommsSettings.h"
+#include "link/Conversation.h"
+#include "link/Fault.h"
+#include "link/MeterLink.h"
+#include "link/Session.h"
+#include "platform/Services.h"
+#include "profile/AcquisitionLoop.h"
+#include "profile/MeasurementSettings.h"
+#include "startup/MeterModel.h"
+#include "startup/ProgramVersion.h"
+#include "startup/ReadMeterConfig.h"
+
+namespace pulsemod {
+
+namespace {
+
+void readOrAskCommsSettings(StartUpView& view) {
+  if (ReadCommsSettings()) return;
+  view.showCommsOptions();
+  SaveCommsSettings();
+}
+
+void announceLaterCourse(const std::string& course) {
+  services().dialogs.showMessage("\"" + course + "\" is not part of this version yet.",
+                                 "Pelmora PulseMod", MessageIcon::information,
+                                 "Please choose another way to begin.");
+}
+
+StartChoice askUntilDecided(StartUpView& view) {
+  while (true) {
+    const StartChoice choice = view.askHowToBegin();
+    switch (choice) {
+      case StartChoice::openCommsOptions:
+        view.showCommsOptions();
+        break;
+      case StartChoice::configureMeter:
+        announceLaterCourse("Configure Power Meter");
+        break;
+      case StartChoice::ccdfMode:
+        announceLaterCourse("CCDF Mode");
+        break;
+      case StartChoice::loadFromMeter:
+      case StartChoice::exitProgram:
+      case StartChoice::justStart:
+        return choice;
+    }
+  }
+}
+
+void openLink() {
+  OpenMeterLink();
+  ConfigureSerialPort();
+  SerialPort& port = services().serial;
+  if (LinkSettings.commsType == commsTypeRS232 && !port.isOpen()) port.open();
+}
+
+/// Enables the meter's error reports (command, execution and device errors) and asks who it is. A
+/// meter that keeps silent over RS232 is waited for until the user closes `frmPleaseWait`.
+bool queryIdentity(std::string& identity) {
+  constexpr int patienceMs = 2000;
+  Progress& progress = services().progress;
+  progress.showAfter(patienceMs, "Please Wait... Reading Power Meter Identity...");
+  ReplyMayBeGivenUp = true;
+  WaitOperationComplete("*CLS; *ESE 56");
+  const bool answered = QueryMeter("*IDN?", identity);
+  ReplyMayBeGivenUp = false;
+  progress.hide();
+  return answered;
+}
+
+void identifyMeter() {
+  std::string identity;
+  if (!queryIdentity(identity)) {
+    services().dialogs.showMessage("Could not read Power Meter Identity\r\n\r\nProgram will exit.",
+                                   "*IDN? Failure", MessageIcon::exclamation, linkFailureReason());
+    EndSession();
+  }
+  MeterModel = modelOfIdentity(identity);
+  if (MeterModel == 0) {
+    services().dialogs.showMessage(
+        "Pelmora.2 - PulseMod will only work with QX7104A, QX7105A, QX7204,QX7205 or QX7205A "
+        "power meters",
+        "Program Exit", MessageIcon::information);
+    EndSession();
+  }
+}
+
+}  // namespace
+
+std::string versionCaption() {
+  return "Pelmora v" + std::to_string(versionMajor) + "." + std::to_string(versionMinor) + "." +
+         std::to_string(versionRevision);
+}
+
+void StartUp(StartUpView& view) {
+  EditedComms = CommsSettings{};
+  InitMeasurementSettings();
+  readOrAskCommsSettings(view);
+  const StartChoice choice = askUntilDecided(view);
+  LinkSettings = EditedComms;
+  if (choice == StartChoice::exitProgram) EndSession();
+  converse([] {
+    openLink();
+    identifyMeter();
+  });
+  if (choice == StartChoice::justStart) {
+    view.showMainWindow({});
+    return;
+  }
+  reportFaults([] { converse(ReadMeterConfig); });
+  view.showMainWindow(versionCaption());
+  RunAcquisitionLoop();
+}
+
+}  // namespace pulsemod

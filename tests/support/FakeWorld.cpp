@@ -1,0 +1,38 @@
+#include "support/FakeWorld.h"
+
+#include "link/CommsSettings.h"
+#include "link/Conversation.h"
+#include "link/GpibCalls.h"
+#include "link/MeterLink.h"
+#include "profile/AcquisitionLoop.h"
+#include "profile/MeasurementSettings.h"
+#include "profile/ParameterEdits.h"
+#include "profile/ProfileGraph.h"
+#include "startup/MeterModel.h"
+
+namespace pulsemod::test {
+
+FakeWorld::FakeWorld() {
+  EditedComms = CommsSettings{};
+  LinkSettings = CommsSettings{};
+  Conversation = ConversationState{};
+  Gpib = GpibVariables{};
+  ReplyMayBeGivenUp = false;
+  InitMeasurementSettings();
+  ProfileTrace = Trace{};
+  SecondProfileTrace = Trace{};
+  PendingEdits = PendingEditFlags{};
+  AcquisitionRequests = 0;
+  GraphFaultReported = false;
+  MeterModel = 0;
+}
+
+FakeWorld::~FakeWorld() { forgetKeptExchanges(); }
+
+void FakeWorld::useSerial() {
+  EditedComms.commsType = commsTypeRS232;
+  LinkSettings = EditedComms;
+  serial.open();
+}
+
+}  // namespace pulsemod::test
