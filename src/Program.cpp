@@ -1,0 +1,23 @@
+#include "Program.h"
+
+#include <QApplication>
+
+#include "host/Host.h"
+#include "host/SerialPortNames.h"
+#include "platform/Services.h"
+#include "startup/StartUp.h"
+#include "ui/Windows.h"
+
+namespace pulsemod {
+
+int runProgram(QApplication& application) {
+  // Dialogs come and go before the first main window, and none of them may end the program.
+  application.setQuitOnLastWindowClosed(false);
+  Windows windows(portDeviceText);
+  const Host host(windows.pleaseWait());
+  const ServicesGuard guard(host.services());
+  StartUp(windows);
+  return QApplication::exec();
+}
+
+}  // namespace pulsemod

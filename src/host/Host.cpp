@@ -1,0 +1,9 @@
+#include "host/Host.h"
+
+namespace pulsemod {
+
+Host::Host(Progress& progress)
+    : services_{clock_,   events_,      gpib_,    serial_,    settings_,
+                dialogs_, fileDialogs_, progress, programEnd_} {}
+
+}  // namespace pulsemod

@@ -1,0 +1,200 @@
+#include "ui/GraphWidget.h"
+
+#include <QEvent>
+#include <QFontMetrics>
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+
+#include "ui/Look.h"
+
+namespace pulsemod {
+
+namespace {
+
+/// The rasteriser's own limit is 32767 device pixels; lines stay well below it.
+constexpr double farthestPixel = 16000;
+
+QColor toQt(Colour colour) { return QColor(colour.red, colour.green, colour.blue); }
+
+/// Cosmetic: in device pixels, whatever the transformation.
+QPen linePen(const QColor& colour, int width) {
+  QPen pen(colour);
+  pen.setWidth(width);
+  pen.setCosmetic(true);
+  return pen;
+}
+
+int toPixel(double value) {
+  return static_cast<int>(std::lround(std::clamp(value, -farthestPixel, farthestPixel)));
+}
+
+}  // namespace
+
+DeviceScale::DeviceScale(const PictureScale& scale, int width, int height)
+    : xFactor_(width / scale.width),
+      xOffset_(-scale.left * xFactor_),
+      yFactor_(height / scale.height),
+      yOffset_(-scale.top * yFactor_) {}
+
+bool DeviceScale::map(const PicturePoint& point, QPoint& pixel) const {
+  const double x = point.x * xFactor_ + xOffset_;
+  const double y = point.y * yFactor_ + yOffset_;
+  // A scale without width or height ends here as well.
+  if (std::isnan(x) || std::isnan(y)) return false;
+  pixel = {toPixel(x), toPixel(y)};
+  return true;
+}
+
+GraphWidget::GraphWidget(QWidget* parent)
+    : QWidget(parent), recorder_([this] { return textHeightShare(); }, [this] { update(); }) {
+  setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+void GraphWidget::placeGateLines(const GateLineArray& lines) {
+  if (lines == gateLines_) return;
+  gateLines_ = lines;
+  update();
+}
+
+void GraphWidget::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::FontChange) {
+    backgroundIsStale_ = true;
+    preparedTexts_.clear();
+    update();
+  }
+  QWidget::changeEvent(event);
+}
+
+double GraphWidget::textHeightShare() const {
+  return static_cast<double>(fontMetrics().height()) / std::max(1, height());
+}
+
+void GraphWidget::paintEvent(QPaintEvent* /*event*/) {
+  ratio_ = devicePixelRatioF();
+  penWidth_ = std::max(1, static_cast<int>(std::lround(ratio_)));
+  const QSize deviceSize(static_cast<int>(std::ceil(width() * ratio_)),
+                         static_cast<int>(std::ceil(height() * ratio_)));
+  prepareBackground(deviceSize);
+
+  const Drawing& drawing = recorder_.shown();
+  const DeviceScale scale(drawing.scale, deviceSize.width(), deviceSize.height());
+  QPainter painter(this);
+  // At a broken ratio the widget may begin and end between two device pixels.
+  if (penWidth_ != ratio_) painter.fillRect(rect(), look::graphBackground);
+  painter.scale(1 / ratio_, 1 / ratio_);
+  painter.drawPixmap(0, 0, background_);
+  paintSteps(painter, scale, drawing.backgroundSteps, drawing.steps.size());
+  paintGateLines(painter, scale, deviceSize.height());
+}
+
+void GraphWidget::prepareBackground(const QSize& deviceSize) {
+  const Drawing& drawing = recorder_.shown();
+  if (!backgroundIsStale_ && background_.size() == deviceSize &&
+      sameBackground(drawing, backgroundDrawing_)) {
+    return;
+  }
+  if (background_.size() != deviceSize) background_ = QPixmap(deviceSize);
+  background_.fill(look::graphBackground);
+  QPainter painter(&background_);
+  painter.setFont(font());
+  paintSteps(painter, DeviceScale(drawing.scale, deviceSize.width(), deviceSize.height()), 0,
+             drawing.backgroundSteps);
+  backgroundDrawing_ = drawing;
+  backgroundIsStale_ = false;
+}
+
+void GraphWidget::paintSteps(QPainter& painter, const DeviceScale& scale, std::size_t first,
+                             std::size_t last) {
+  const std::vector<DrawingStep>& steps = recorder_.shown().steps;
+  for (std::size_t index = first; index < last; ++index) {
+    if (steps[index].kind == DrawingStep::Kind::text) {
+      paintText(painter, scale, steps[index]);
+    } else {
+      paintPolyline(painter, scale, steps[index]);
+    }
+  }
+}
+
+void GraphWidget::paintPolyline(QPainter& painter, const DeviceScale& scale,
+                                const DrawingStep& step) {
+  const PicturePoint* point = recorder_.shown().points.data() + step.firstPoint;
+  run_.clear();
+  for (std::size_t index = 0; index < step.pointCount; ++index) {
+    QPoint pixel;
+    if (scale.map(point[index], pixel)) {
+      run_.push_back(pixel);
+    } else {
+      // No line leads to or from a value that is no number.
+      paintRun(painter, step.colour);
+      run_.clear();
+    }
+  }
+  paintRun(painter, step.colour);
+}
+
+void GraphWidget::paintRun(QPainter& painter, Colour colour) {
+  if (run_.empty()) return;
+  if (run_.size() == 1) {
+    painter.fillRect(QRect(run_.front(), QSize(penWidth_, penWidth_)), toQt(colour));
+    return;
+  }
+  painter.setPen(linePen(toQt(colour), penWidth_));
+  if (penWidth_ == 1) {
+    painter.drawPolyline(run_.data(), static_cast<int>(run_.size()));
+    return;
+  }
+  // A wide polyline is stroked as one outline, which takes three times as long as its segments.
+  segments_.clear();
+  const QPoint penCentre(penWidth_ / 2, penWidth_ / 2);
+  for (std::size_t index = 1; index < run_.size(); ++index) {
+    segments_.emplace_back(run_[index - 1] + penCentre, run_[index] + penCentre);
+  }
+  painter.drawLines(segments_.data(), static_cast<int>(segments_.size()));
+}
+
+void GraphWidget::paintText(QPainter& painter, const DeviceScale& scale, const DrawingStep& step) {
+  const Drawing& drawing = recorder_.shown();
+  QPoint pixel;
+  if (!scale.map(drawing.points[step.firstPoint], pixel)) return;
+  if (preparedTexts_.size() <= step.text) preparedTexts_.resize(step.text + 1);
+  PreparedText& prepared = preparedTexts_[step.text];
+  if (prepared.source != drawing.texts[step.text]) {
+    prepared.source = drawing.texts[step.text];
+    prepared.text.setTextFormat(Qt::PlainText);
+    prepared.text.setText(QString::fromStdString(prepared.source));
+  }
+  painter.setPen(toQt(step.colour));
+  if (ratio_ == 1) {
+    painter.drawStaticText(pixel, prepared.text);
+    return;
+  }
+  const QTransform devicePixels = painter.worldTransform();
+  painter.setWorldTransform(devicePixels * QTransform::fromScale(ratio_, ratio_));
+  painter.drawStaticText(QPointF(pixel) / ratio_, prepared.text);
+  painter.setWorldTransform(devicePixels);
+}
+
+void GraphWidget::paintGateLines(QPainter& painter, const DeviceScale& scale, int height) {
+  constexpr int dash = 7;
+  constexpr int gap = 5;
+  for (std::size_t index = 0; index < gateLines_.size(); ++index) {
+    if (!gateLines_[index].visible) continue;
+    QPoint pixel;
+    if (!scale.map({gateLines_[index].x, recorder_.shown().scale.top}, pixel)) continue;
+    const bool isFence = index % linesPerGate >= linesPerGate / 2;
+    const int x = pixel.x() + penWidth_ / 2;
+    painter.setPen(linePen(isFence ? look::fenceLine : look::gateLine, penWidth_));
+    if (!isFence) {
+      painter.drawLine(x, 0, x, height);
+      continue;
+    }
+    segments_.clear();
+    for (int top = 0; top < height; top += (dash + gap) * penWidth_) {
+      segments_.emplace_back(x, top, x, top + dash * penWidth_ - 1);
+    }
+    painter.drawLines(segments_.data(), static_cast<int>(segments_.size()));
+  }
+}
+
+}  // namespace pulsemod

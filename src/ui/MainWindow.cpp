@@ -1,0 +1,176 @@
+#include "ui/MainWindow.h"
+
+#include <QAction>
+#include <QFontDialog>
+#include <QKeySequence>
+#include <QMenu>
+#include <QMenuBar>
+#include <QScreen>
+#include <utility>
+
+#include "link/Fault.h"
+#include "link/Session.h"
+#include "profile/AcquisitionLoop.h"
+
+namespace pulsemod {
+
+namespace {
+
+QAction* addItem(QMenu* menu, const char* name, const QString& caption, const QString& toolTip,
+                 const QKeySequence& shortcut = {}) {
+  QAction* item = menu->addAction(caption);
+  item->setObjectName(QLatin1String(name));
+  item->setToolTip(toolTip);
+  item->setShortcut(shortcut);
+  // The menu bar of some platforms moves such items elsewhere by their captions.
+  item->setMenuRole(QAction::NoRole);
+  return item;
+}
+
+}  // namespace
+
+MainWindow::MainWindow(std::function<void()> showComms)
+    : showComms_(std::move(showComms)), panel_(new ProfilePanel(this)) {
+  setObjectName(QStringLiteral("frmMain"));
+  setWindowTitle(QStringLiteral("Pelmora PulseMod"));
+  setCentralWidget(panel_);
+  buildFileMenu();
+  buildPulseModMenu();
+  buildSettingsMenu();
+  buildViewMenu();
+  connectMenus();
+  setAcquisitionMenus(false);
+  limitSize();
+  resize(QSize(800, 600).boundedTo(screen()->availableSize()).expandedTo(minimumSize()));
+}
+
+QMenu* MainWindow::addMenu(const QString& caption) {
+  QMenu* menu = menuBar()->addMenu(caption);
+  menu->setToolTipsVisible(true);
+  return menu;
+}
+
+void MainWindow::buildFileMenu() {
+  QMenu* menu = addMenu(QStringLiteral("&File"));
+  menuOpen_ =
+      addItem(menu, "menuOpen", QStringLiteral("&Open..."),
+              QStringLiteral("Open a saved profile as the second profile"), QKeySequence::Open);
+  menuSave_ = addItem(menu, "menuSave", QStringLiteral("&Save..."),
+                      QStringLiteral("Save the live profile"), QKeySequence::Save);
+  menu->addSeparator();
+  menuExit_ = addItem(menu, "menuExit", QStringLiteral("E&xit"), QStringLiteral("End the program"),
+                      QKeySequence(Qt::CTRL | Qt::Key_Q));
+  menuOpen_->setEnabled(false);
+  menuSave_->setEnabled(false);
+}
+
+void MainWindow::buildPulseModMenu() {
+  QMenu* menu = addMenu(QStringLiteral("&PulseMod"));
+  menuStart_ = addItem(menu, "menuStart", QStringLiteral("St&art"),
+                       QStringLiteral("Read profiles from the meter until stopped"),
+                       QKeySequence(Qt::Key_F5));
+  menuStop_ = addItem(menu, "menuStop", QStringLiteral("S&top"),
+                      QStringLiteral("Finish the profile in progress and read no more"),
+                      QKeySequence(Qt::SHIFT | Qt::Key_F5));
+  menuFreeRun_ =
+      addItem(menu, "menuFreeRun", QStringLiteral("&Free Run"),
+              QStringLiteral("Return the meter's trigger to free run"), QKeySequence(Qt::Key_F6));
+  menu->addSeparator();
+  menuSecondProfile_ =
+      addItem(menu, "menuSecondProfile", QStringLiteral("&Second Profile"),
+              QStringLiteral("Draw the second profile under the live one, from the next drawing"),
+              QKeySequence(Qt::Key_F7));
+  menuSecondProfile_->setCheckable(true);
+  menuDisplayUpdate_ =
+      addItem(menu, "menudisplayupdate", QStringLiteral("Stop Meter &Display Update"),
+              QStringLiteral("While ticked, the meter does not update its own display"),
+              QKeySequence(Qt::Key_F8));
+  menuDisplayUpdate_->setCheckable(true);
+}
+
+void MainWindow::buildSettingsMenu() {
+  QMenu* menu = addMenu(QStringLiteral("&Settings"));
+  menuProperties_ = addItem(menu, "menuProperties", QStringLiteral("&Properties..."),
+                            QStringLiteral("Gates, markers, channels and averaging"),
+                            QKeySequence(Qt::ALT | Qt::Key_Return));
+  menuComs_ = addItem(menu, "menuComs", QStringLiteral("&GPIB/RS232 Comms..."),
+                      QStringLiteral("How the meter is reached, from the next start"),
+                      QKeySequence(Qt::CTRL | Qt::Key_G));
+  menuGraphFont_ = addItem(menu, "menuGraphFont", QStringLiteral("Graph &Font..."),
+                           QStringLiteral("The font of the graph and of the labels around it"),
+                           QKeySequence(Qt::CTRL | Qt::Key_T));
+  menuProperties_->setEnabled(false);
+}
+
+void MainWindow::buildViewMenu() {
+  QMenu* menu = addMenu(QStringLiteral("&View"));
+  menuInfoBox_ =
+      addItem(menu, "menuInfoBox", QStringLiteral("&Info Box"),
+              QStringLiteral("The measurements of the gates"), QKeySequence(Qt::CTRL | Qt::Key_I));
+  menuMarkers_ =
+      addItem(menu, "menuMarkers", QStringLiteral("&Markers"),
+              QStringLiteral("The readings of the markers"), QKeySequence(Qt::CTRL | Qt::Key_M));
+  menuInfoBox_->setEnabled(false);
+  menuMarkers_->setEnabled(false);
+}
+
+void MainWindow::connectMenus() {
+  connect(menuExit_, &QAction::triggered, this, &MainWindow::unload);
+  connect(menuStart_, &QAction::triggered, this, [] { reportFaults(StartAcquisition); });
+  connect(menuStop_, &QAction::triggered, this, [] { reportFaults(StopAcquisition); });
+  connect(menuFreeRun_, &QAction::triggered, this, [] { reportFaults(SetTriggerFreeRun); });
+  connect(menuDisplayUpdate_, &QAction::triggered, this,
+          [](bool checked) { reportFaults([checked] { SetMeterDisplayStopped(checked); }); });
+  connect(menuComs_, &QAction::triggered, this, [this] { reportFaults(showComms_); });
+  connect(menuGraphFont_, &QAction::triggered, this,
+          [this] { reportFaults([this] { chooseGraphFont(); }); });
+}
+
+void MainWindow::chooseGraphFont() {
+  QFontDialog dialog(panel_->graphFont(), this);
+  dialog.setObjectName(QStringLiteral("cmdialog"));
+  dialog.setWindowTitle(QStringLiteral("Graph Font"));
+  if (dialog.exec() == QDialog::Accepted) applyGraphFont(dialog.selectedFont());
+}
+
+void MainWindow::applyGraphFont(const QFont& chosen) {
+  panel_->setGraphFont(chosen);
+  limitSize();
+  panel_->layOutAndDraw();
+}
+
+void MainWindow::limitSize() {
+  const QSize needed = panel_->smallestArea() + QSize(0, menuBar()->sizeHint().height());
+  setMinimumSize(needed.boundedTo(screen()->availableSize()).expandedTo({480, 360}));
+}
+
+Picture& MainWindow::graph() { return panel_->graph(); }
+
+void MainWindow::setGraphLabel(GraphLabel label, const std::string& caption) {
+  panel_->setGraphLabel(label, QString::fromStdString(caption));
+}
+
+void MainWindow::placeGateLines(const GateLineArray& lines) { panel_->placeGateLines(lines); }
+
+void MainWindow::showRate(const std::string& caption, const std::string& toolTip) {
+  panel_->showRate(QString::fromStdString(caption), QString::fromStdString(toolTip));
+}
+
+void MainWindow::showAcquisitionStarted() { setAcquisitionMenus(true); }
+
+void MainWindow::showAcquisitionStopped() { setAcquisitionMenus(false); }
+
+void MainWindow::setAcquisitionMenus(bool running) {
+  menuStart_->setEnabled(!running);
+  menuStop_->setEnabled(running);
+  menuFreeRun_->setEnabled(!running);
+  menuComs_->setEnabled(!running);
+}
+
+bool MainWindow::secondProfileIsShown() const { return menuSecondProfile_->isChecked(); }
+
+void MainWindow::unload() { EndSession(); }
+
+void MainWindow::closeEvent(QCloseEvent* /*event*/) { unload(); }
+
+}  // namespace pulsemod

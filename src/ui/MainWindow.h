@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QMainWindow>
+#include <functional>
+
+#include "profile/ProfileView.h"
+#include "ui/ProfilePanel.h"
+
+class QAction;
+class QFont;
+class QMenu;
+
+namespace pulsemod {
+
+/// `frmMain`. Must be the `profileView()` when it is shown.
+class MainWindow : public QMainWindow, public ProfileView {
+ public:
+  /// `showComms` shows `frmComms` until the user closes it.
+  explicit MainWindow(std::function<void()> showComms);
+
+  Picture& graph() override;
+  void setGraphLabel(GraphLabel label, const std::string& caption) override;
+  void placeGateLines(const GateLineArray& lines) override;
+  void showRate(const std::string& caption, const std::string& toolTip) override;
+  void showAcquisitionStarted() override;
+  void showAcquisitionStopped() override;
+  bool secondProfileIsShown() const override;
+
+  /// Puts the graph and its labels into a font and lays the window out for it.
+  void applyGraphFont(const QFont& chosen);
+
+  /// The end of the program: closing the window and Exit.
+  [[noreturn]] static void unload();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void buildFileMenu();
+  void buildPulseModMenu();
+  void buildSettingsMenu();
+  void buildViewMenu();
+  void connectMenus();
+  QMenu* addMenu(const QString& caption);
+  void chooseGraphFont();
+  void limitSize();
+  void setAcquisitionMenus(bool running);
+
+  std::function<void()> showComms_;
+  ProfilePanel* panel_;
+  QAction* menuOpen_ = nullptr;
+  QAction* menuSave_ = nullptr;
+  QAction* menuExit_ = nullptr;
+  QAction* menuStart_ = nullptr;
+  QAction* menuStop_ = nullptr;
+  QAction* menuFreeRun_ = nullptr;
+  QAction* menuSecondProfile_ = nullptr;
+  QAction* menuDisplayUpdate_ = nullptr;
+  QAction* menuProperties_ = nullptr;
+  QAction* menuComs_ = nullptr;
+  QAction* menuGraphFont_ = nullptr;
+  QAction* menuInfoBox_ = nullptr;
+  QAction* menuMarkers_ = nullptr;
+};
+
+}  // namespace pulsemod
