@@ -41,8 +41,8 @@ constexpr std::array kTable = {
   SettingRow{kGateStart,         "GPTIMST", true,  kOwnGates, "", kNumber, -kTime, kTime, "", {5e-5, 1.25e-3, 7e-4, 1e-4}},
   SettingRow{kGateStop,          "GPTIMSP", true,  kOwnGates, "", kNumber, -kTime, kTime, "", {5.5e-4, 1.75e-3, 1.1e-3, 1.7e-3}},
   SettingRow{kFenceOn,           "GPFENS",  true,  kOwnGates, "", kOnOff, 0, 1, "", {1, 0, 0, 0}},
-  SettingRow{kFenceStart,        "GPFENST", true,  kOwnGates, "", kNumber, -kTime, kTime, "", {2e-4, 1.4e-3, 8e-4, 5.5e-4}},
-  SettingRow{kFenceStop,         "GPFENSP", true,  kOwnGates, "", kNumber, -kTime, kTime, "", {3e-4, 1.5e-3, 9e-4, 1.25e-3}},
+  SettingRow{kFenceStart,        "GPFENST", true,  kOwnGates, "", kNumber, -kTime, kTime, "", {2.2e-4, 1.4e-3, 8e-4, 5.5e-4}},
+  SettingRow{kFenceStop,         "GPFENSP", true,  kOwnGates, "", kNumber, -kTime, kTime, "", {3.3e-4, 1.5e-3, 9e-4, 1.25e-3}},
 
   SettingRow{kActiveMarker,      "MKACTN",  true,  0, "",     kWhole,  1, kMarkers, "", {1}},
   SettingRow{kMarkerOn,          "MKSTATE", true,  kMarkers, "", kOnOff, 0, 1, "", {1, 1, 1, 0}},

@@ -60,7 +60,7 @@ void callRegistered(const LibraryCall& call) {
 bool gpibFailed() { return (Gpib.status & gpibStatusError) != 0; }
 
 std::string gpibFailureReason(int address) {
-  const std::string libraryReason = services().gpib.unusableReason();
+  std::string libraryReason = services().gpib.unusableReason();
   if (!libraryReason.empty()) return libraryReason;
   if (!gpibFailed()) return {};
   enum LibraryError { systemError = 0, notInCharge = 1, noListener = 2, aborted = 6, noBoard = 7 };

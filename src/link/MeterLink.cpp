@@ -12,6 +12,7 @@ namespace pulsemod {
 
 CommsSettings LinkSettings;
 bool ReplyMayBeGivenUp = false;
+bool LinkGivenUp = false;
 
 namespace {
 
@@ -81,30 +82,48 @@ bool queryOverGpibWhenReady(const std::string& command, std::string& reply) {
   }
 }
 
-bool replyIsGivenUp() { return ReplyMayBeGivenUp && services().progress.dismissed(); }
+bool serialExchangeIsAlive() { return services().serial.isOpen() && !LinkGivenUp; }
 
-bool serialExchangeIsAlive() { return services().serial.isOpen() && !replyIsGivenUp(); }
+/// Lets events run while nothing has moved on the line since `start`; false when the wait is over
+/// for good.
+bool waitForSerial(float start) {
+  constexpr float patienceMs = 2000;
+  const Services& world = services();
+  if (!serialExchangeIsAlive()) return false;
+  if (!ReplyMayBeGivenUp || !world.progress.dismissed()) {
+    world.events.processUntilEvent();
+    return true;
+  }
+  const float silentMs = (onDayOf(start, world.clock.secondsSinceMidnight()) - start) * 1000.0F;
+  LinkGivenUp = silentMs >= patienceMs;
+  if (LinkGivenUp) return false;
+  world.events.processUntilEventOr(static_cast<int>(std::ceil(patienceMs - silentMs)));
+  return true;
+}
 
 /// False when the port is closed or was lost before the last character had left.
 bool writeToSerial(const std::string& command) {
   if (!serialExchangeIsAlive()) return false;
-  SerialPort& port = services().serial;
-  port.write(command + "\r");
-  services().events.processPending();
-  while (serialExchangeIsAlive() && port.outputCount() > 0) services().events.processUntilEvent();
+  const Services& world = services();
+  const float start = world.clock.secondsSinceMidnight();
+  world.serial.write(command + "\r");
+  world.events.processPending();
+  while (world.serial.outputCount() > 0 && waitForSerial(start)) {
+  }
   return serialExchangeIsAlive();
 }
 
 /// The next character from the serial port, however long it takes; nothing when the port was lost
 /// or the user gave up.
 std::optional<char> nextSerialCharacter() {
-  SerialPort& port = services().serial;
-  services().events.processPending();
-  while (true) {
-    if (const auto character = port.input()) return character;
-    if (!serialExchangeIsAlive()) return std::nullopt;
-    services().events.processUntilEvent();
+  const Services& world = services();
+  world.events.processPending();
+  if (const auto character = world.serial.input()) return character;
+  const float start = world.clock.secondsSinceMidnight();
+  while (waitForSerial(start)) {
+    if (const auto character = world.serial.input()) return character;
   }
+  return std::nullopt;
 }
 
 /// Collects a reply: what comes before the first "R" is dropped, and so is the "R"; the line feed
@@ -158,10 +177,12 @@ void ConfigureSerialPort() {
 
 void CloseMeterLink() { ibonl(ibfindA(gpibBoardName), 0); }
 
+bool linkIsLost() { return overSerial() && !services().serial.isOpen(); }
+
 std::string linkFailureReason() {
   if (overGpib()) return gpibFailureReason(address());
   if (!overSerial()) return "The stored communications settings name neither GPIB nor RS232.";
-  const std::string reason = services().serial.failureReason();
+  std::string reason = services().serial.failureReason();
   if (!reason.empty()) return reason;
   return "No power meter answers at COM" + std::to_string(LinkSettings.rs232Port) + ":.";
 }

@@ -21,9 +21,14 @@ namespace pulsemod {
 /// how to begin; later edits do not touch them.
 extern CommsSettings LinkSettings;
 
-/// While true, a reply that does not come over RS232 is given up when the user closes
-/// `frmPleaseWait`, and so is every later one. Set by start-up, before any other window is there.
+/// While true, the user can give up waiting for a reply over RS232 by closing `frmPleaseWait`: a
+/// meter that has been silent for two seconds is then not waited for any longer. Set by start-up,
+/// while no other window is there that could be closed instead.
 extern bool ReplyMayBeGivenUp;
+
+/// A reply was given up, so what still comes of it would be taken for the reply to the next query:
+/// every later exchange over RS232 fails at once.
+extern bool LinkGivenUp;
 
 /// GPIB: clears the interface and the meter and gives it half a second.
 void OpenMeterLink();
@@ -34,6 +39,9 @@ void ConfigureSerialPort();
 
 /// Takes the GPIB board offline.
 void CloseMeterLink();
+
+/// The serial port of an RS232 link is closed: it could not be opened, or was lost.
+bool linkIsLost();
 
 /// Why the link does not work, in words for the user; empty when nothing is known.
 std::string linkFailureReason();

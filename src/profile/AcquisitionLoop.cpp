@@ -19,6 +19,7 @@
 namespace pulsemod {
 
 std::uint32_t AcquisitionRequests = 0;
+bool ProfileReadFailed = false;
 
 namespace {
 
@@ -35,11 +36,24 @@ bool aMarkerIsOn() {
                      [](const MarkerSettings& marker) { return marker.Enabled != False16; });
 }
 
+void letEventsRun() {
+  constexpr int pauseAfterFailureMs = 10;
+  EventQueue& events = services().events;
+  if (AcquisitionRunning == False16) {
+    events.processUntilEvent();
+  } else if (ProfileReadFailed) {
+    events.processUntilEventOr(pauseAfterFailureMs);
+  } else {
+    events.processPending();
+  }
+}
+
 void acquire() {
   const float start = services().clock.secondsSinceMidnight();
-  const bool profileIsNew = ReadProfile();
+  ProfileReadFailed = !ReadProfile();
   CarryOutPendingEdits();
-  if (!profileIsNew) return;
+  if (linkIsLost()) throw Fault(linkFailureReason());
+  if (ProfileReadFailed) return;
   showRate(start);
   if (aMarkerIsOn()) ReadMarkerReadings();
   if (!RefreshPicture()) StopAcquisition();
@@ -78,12 +92,7 @@ void RunAcquisitionLoop() {
 }
 
 void AcquireProfile() {
-  EventQueue& events = services().events;
-  if (AcquisitionRunning == False16) {
-    events.processUntilEvent();
-  } else {
-    events.processPending();
-  }
+  letEventsRun();
   if (AcquisitionRunning == False16) return;
   try {
     converse(acquire);

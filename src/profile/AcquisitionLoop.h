@@ -8,6 +8,9 @@ namespace pulsemod {
 /// moved on was overtaken by a stop or another start, and does not set `AcquisitionRunning`.
 extern std::uint32_t AcquisitionRequests;
 
+/// The last pass read no profile. Written by `AcquireProfile`.
+extern bool ProfileReadFailed;
+
 /// The program's main loop for the rest of the run: repeats `AcquireProfile`.
 [[noreturn]] void RunAcquisitionLoop();
 

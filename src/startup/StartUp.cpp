@@ -62,10 +62,8 @@ bool queryIdentity(std::string& identity) {
   constexpr int patienceMs = 2000;
   Progress& progress = services().progress;
   progress.showAfter(patienceMs, "Please Wait... Reading Power Meter Identity...");
-  ReplyMayBeGivenUp = true;
   WaitOperationComplete("*CLS; *ESE 56");
   const bool answered = QueryMeter("*IDN?", identity);
-  ReplyMayBeGivenUp = false;
   progress.hide();
   return answered;
 }
@@ -87,6 +85,17 @@ void identifyMeter() {
   }
 }
 
+/// A meter that falls silent in the middle is waited for until the user closes `frmPleaseWait`:
+/// there is no other window yet.
+void loadFromMeter() {
+  reportFaults([] { converse(ReadMeterConfig); });
+  if (!LinkGivenUp) return;
+  services().dialogs.showMessage(
+      "The power meter does not answer any more\r\n\r\nProgram will exit.", "Load from Power Meter",
+      MessageIcon::exclamation, linkFailureReason());
+  EndSession();
+}
+
 }  // namespace
 
 std::string versionCaption() {
@@ -101,15 +110,18 @@ void StartUp(StartUpView& view) {
   const StartChoice choice = askUntilDecided(view);
   LinkSettings = EditedComms;
   if (choice == StartChoice::exitProgram) EndSession();
+  ReplyMayBeGivenUp = true;
+  LinkGivenUp = false;
   converse([] {
     openLink();
     identifyMeter();
   });
+  if (choice == StartChoice::loadFromMeter) loadFromMeter();
+  ReplyMayBeGivenUp = false;
   if (choice == StartChoice::justStart) {
     view.showMainWindow({});
     return;
   }
-  reportFaults([] { converse(ReadMeterConfig); });
   view.showMainWindow(versionCaption());
   RunAcquisitionLoop();
 }

@@ -16,8 +16,7 @@ ConfigureQuestion::ConfigureQuestion() {
   auto* question = new QLabel(QStringLiteral("Do you wish to load settings from the power meter?"));
   question->setObjectName(QStringLiteral("Label1"));
   QFont heading = question->font();
-  heading.setBold(true);
-  heading.setPointSizeF(heading.pointSizeF() * 1.15);
+  heading.setPointSizeF(heading.pointSizeF() * 1.2);
   question->setFont(heading);
   auto* advice =
       new QLabel(QStringLiteral("Please be sure you have the power meter connected to the PC"));

@@ -219,12 +219,25 @@ TEST_F(SerialLink, AReplyThatHasArrivedIsReadThoughThePortWasLostAfterIt) {
 
 TEST_F(SerialLink, WhileItIsAllowedTheUserGivesUpThisReplyAndEveryLaterOne) {
   ReplyMayBeGivenUp = true;
+  const double start = world.clock.seconds;
   for (int event = 0; event < 3; ++event) world.events.post([] {});
   world.events.post([this] { world.progress.dismissedByUser = true; });
-  EXPECT_FALSE(WaitOperationComplete("*CLS"));
+  EXPECT_FALSE(QueryMeter("silent", reply));
+  EXPECT_NEAR(world.clock.seconds - start, 2, 0.01);
+  EXPECT_TRUE(LinkGivenUp);
   EXPECT_FALSE(QueryMeter("*IDN?", reply));
-  EXPECT_EQ(world.serial.sent, "*CLS; *OPC?\r");
+  EXPECT_FALSE(WaitOperationComplete("*CLS"));
+  EXPECT_EQ(world.serial.sent, "silent\r");
   EXPECT_TRUE(world.serial.isOpen());
+}
+
+TEST_F(SerialLink, ClosingTheProgressWindowGivesUpNoReplyThatComesInTime) {
+  ReplyMayBeGivenUp = true;
+  world.meter.replies["Q"] = "text";
+  world.progress.dismissedByUser = true;
+  EXPECT_TRUE(QueryMeter("Q", reply));
+  EXPECT_EQ(reply, "text\r");
+  EXPECT_FALSE(LinkGivenUp);
 }
 
 TEST_F(SerialLink, WhileItIsAllowedTheUserGivesUpAQueryThatDoesNotLeave) {

@@ -247,6 +247,30 @@ TEST_F(AcquisitionPassTest, ProgramEndInAnEventLeavesTheLoopAtOnce) {
   EXPECT_EQ(view.picture.timesShown, 2);
 }
 
+TEST_F(AcquisitionPassTest, OnlyAFailedReadLetsTheNextPassWaitTenMilliseconds) {
+  world.meter.replies.erase("PMPBO 1");
+  AcquireProfile();
+  EXPECT_TRUE(world.events.deadlines.empty());
+  answerProfile(levels(200));
+  AcquireProfile();
+  EXPECT_EQ(world.events.deadlines, (std::vector<int>{10}));
+  EXPECT_EQ(view.picture.timesShown, 1);
+  AcquireProfile();
+  EXPECT_EQ(world.events.deadlines, (std::vector<int>{10}));
+}
+
+TEST_F(AcquisitionPassTest, SerialPortLostAtTheTriggerIsToldOnceAndStopsTheAcquisition) {
+  world.useSerial();
+  world.meter.onMessage = [this](const std::string& message) {
+    if (message == "TR1 1") world.serial.lose();
+  };
+  AcquireProfile();
+  expectOneBox("The serial port was lost.");
+  EXPECT_EQ(AcquisitionRunning, False16);
+  EXPECT_EQ(view.menus, (std::vector<std::string>{"stopped"}));
+  EXPECT_EQ(received(), (Transcript{"TR1 1"}));
+}
+
 TEST_F(AcquisitionPassTest, SerialPortLostInAPassEndsTheProgramWithoutABox) {
   world.useSerial();
   switchMarkerOn(1);

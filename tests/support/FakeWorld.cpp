@@ -18,11 +18,13 @@ FakeWorld::FakeWorld() {
   Conversation = ConversationState{};
   Gpib = GpibVariables{};
   ReplyMayBeGivenUp = false;
+  LinkGivenUp = false;
   InitMeasurementSettings();
   ProfileTrace = Trace{};
   SecondProfileTrace = Trace{};
   PendingEdits = PendingEditFlags{};
   AcquisitionRequests = 0;
+  ProfileReadFailed = false;
   GraphFaultReported = false;
   MeterModel = 0;
 }
