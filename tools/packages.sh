@@ -5,7 +5,7 @@ build_packages=(g++ cmake ninja-build qt6-base-dev qt6-serialport-dev fonts-deja
 # A virtual screen for a machine without a display.
 screen_packages=(xvfb xauth)
 # What the tests and the static checks need besides.
-test_packages=(libgtest-dev clang-format clang-tidy python3 locales)
+test_packages=(libgtest-dev clang-format clang-tidy git locales python3)
 
 install_missing() {
   local missing=() package
