@@ -36,6 +36,18 @@ struct GpibFunctions {
   void(PULSEMOD_GPIB_CALL* readStatusByte)(int, Address, short*) = nullptr;
 };
 
+/// Finds the functions that bear the same names in every library. `resolve(function, name)` looks
+/// one up.
+template <typename Resolver>
+void resolveBusCalls(Resolver& resolve, GpibFunctions& functions) {
+  resolve(functions.online, "ibonl");
+  resolve(functions.sendInterfaceClear, "SendIFC");
+  resolve(functions.deviceClear, "DevClear");
+  resolve(functions.send, "Send");
+  resolve(functions.receive, "Receive");
+  resolve(functions.readStatusByte, "ReadStatusByte");
+}
+
 struct LoadedGpib {
   GpibFunctions functions;
   /// The library's own number for each `GpibEnd`: none, newline with EOI, EOI.

@@ -53,12 +53,7 @@ LoadedGpib loadGpibLibrary(const char* libraryName) {
   resolve(functions.threadError, "ThreadIberr");
   resolve(functions.threadLongCount, "ThreadIbcntl");
   resolve(functions.find, "ibfind");
-  resolve(functions.online, "ibonl");
-  resolve(functions.sendInterfaceClear, "SendIFC");
-  resolve(functions.deviceClear, "DevClear");
-  resolve(functions.send, "Send");
-  resolve(functions.receive, "Receive");
-  resolve(functions.readStatusByte, "ReadStatusByte");
+  resolveBusCalls(resolve, functions);
   if (!resolve.missing().empty()) {
     loaded.unusableReason = "The GPIB library " + std::string(libraryName) + " has no function " +
                             resolve.missing() + ". Install a current linux-gpib.";

@@ -48,12 +48,7 @@ LoadedGpib loadGpibLibrary(const char* libraryName) {
   resolve(functions.registerGlobals, "RegisterGpibGlobalsForThread");
   resolve(functions.unregisterGlobals, "UnregisterGpibGlobalsForThread");
   resolve(functions.find, "ibfindA");
-  resolve(functions.online, "ibonl");
-  resolve(functions.sendInterfaceClear, "SendIFC");
-  resolve(functions.deviceClear, "DevClear");
-  resolve(functions.send, "Send");
-  resolve(functions.receive, "Receive");
-  resolve(functions.readStatusByte, "ReadStatusByte");
+  resolveBusCalls(resolve, functions);
   if (!resolve.missing().empty()) {
     loaded.unusableReason = "The GPIB library " + std::string(libraryName) + " has no function " +
                             resolve.missing() + ". Install a current driver of the GPIB board.";
