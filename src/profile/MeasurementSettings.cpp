@@ -31,6 +31,8 @@ bool shiftTime(float previous, float& shifted) {
 
 }  // namespace
 
+std::string onOffText(Boolean16 value) { return value != False16 ? "ON" : "OFF"; }
+
 void InitMeasurementSettings() {
   Settings = MeasurementSettings{};
   activeChannelSettings().AveragingCount = 1;

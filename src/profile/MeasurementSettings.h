@@ -16,6 +16,9 @@ using Boolean16 = std::int16_t;
 inline constexpr Boolean16 True16 = -1;
 inline constexpr Boolean16 False16 = 0;
 
+/// A truth value on the wire: "ON" or "OFF".
+std::string onOffText(Boolean16 value);
+
 /// Gate slots; the meter's own gates are the first four.
 inline constexpr std::size_t gateCount = 8;
 inline constexpr int meterGates = 4;

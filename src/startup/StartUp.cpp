@@ -1,5 +1,7 @@
 #include "startup/StartUp.h"
 
+#include <functional>
+
 #include "link/CommsSettings.h"
 #include "link/Conversation.h"
 #include "link/Fault.h"
@@ -11,6 +13,7 @@
 #include "startup/MeterModel.h"
 #include "startup/ProgramVersion.h"
 #include "startup/ReadMeterConfig.h"
+#include "startup/WriteMeterConfig.h"
 
 namespace pulsemod {
 
@@ -35,12 +38,10 @@ StartChoice askUntilDecided(StartUpView& view) {
       case StartChoice::openCommsOptions:
         view.showCommsOptions();
         break;
-      case StartChoice::configureMeter:
-        announceLaterCourse("Configure Power Meter");
-        break;
       case StartChoice::ccdfMode:
         announceLaterCourse("CCDF Mode");
         break;
+      case StartChoice::configureMeter:
       case StartChoice::loadFromMeter:
       case StartChoice::exitProgram:
       case StartChoice::justStart:
@@ -85,13 +86,13 @@ void identifyMeter() {
   }
 }
 
-/// A meter that falls silent in the middle is waited for until the user closes `frmPleaseWait`:
-/// there is no other window yet.
-void loadFromMeter() {
-  reportFaults([] { converse(ReadMeterConfig); });
+/// Brings model and meter together. A meter that falls silent in the middle is waited for until the
+/// user closes `frmPleaseWait`: there is no other window yet.
+void shareConfiguration(const std::string& course, const std::function<void()>& exchange) {
+  reportFaults([&exchange] { converse(exchange); });
   if (!LinkGivenUp) return;
   services().dialogs.showMessage(
-      "The power meter does not answer any more\r\n\r\nProgram will exit.", "Load from Power Meter",
+      "The power meter does not answer any more\r\n\r\nProgram will exit.", course,
       MessageIcon::exclamation, linkFailureReason());
   EndSession();
 }
@@ -116,7 +117,11 @@ void StartUp(StartUpView& view) {
     openLink();
     identifyMeter();
   });
-  if (choice == StartChoice::loadFromMeter) loadFromMeter();
+  if (choice == StartChoice::configureMeter) {
+    shareConfiguration("Configure Power Meter", WriteMeterConfig);
+  } else if (choice == StartChoice::loadFromMeter) {
+    shareConfiguration("Load from Power Meter", ReadMeterConfig);
+  }
   ReplyMayBeGivenUp = false;
   if (choice == StartChoice::justStart) {
     view.showMainWindow({});

@@ -32,9 +32,9 @@ class StartUpView {
 std::string versionCaption();
 
 /// The whole start: defaults, communications settings, the user's choice, the link, the meter's
-/// identity, the chosen course. Returns only for "Just Start Program"; with "Load from Power Meter"
-/// the acquisition loop runs below this call for the rest of the run. A meter that does not answer
-/// or is not supported ends the program with its message.
+/// identity, the chosen course. Returns only for "Just Start Program"; with "Configure Power Meter"
+/// and "Load from Power Meter" the acquisition loop runs below this call for the rest of the run. A
+/// meter that does not answer or is not supported ends the program with its message.
 void StartUp(StartUpView& view);
 
 }  // namespace pulsemod

@@ -17,23 +17,6 @@ Texts part(const Texts& texts, std::size_t begin, std::size_t count) {
   return {texts.begin() + static_cast<Offset>(begin), texts.begin() + static_cast<Offset>(end)};
 }
 
-Texts identityQuestions() { return {"*CLS; *ESE 56; *OPC?", "*IDN?"}; }
-
-Texts configurationQuestions() {
-  return {
-      "PPACQS? 1",      "CHACTIV?",       "CHDISPN 1",     "CHMODE 1,PMOD", "PMDTYP 1,PRF",
-      "GPACTN? 1",      "GP1REPS? 1",     "GP1REPT? 1",    "GP1REPN? 1",    "GPGATS? 1, 1",
-      "GPTIMST? 1, 1",  "GPTIMSP? 1, 1",  "GPFENS? 1, 1",  "GPFENST? 1, 1", "GPFENSP? 1, 1",
-      "GPGATS? 1, 2",   "GPTIMST? 1, 2",  "GPTIMSP? 1, 2", "GPFENS? 1, 2",  "GPFENST? 1, 2",
-      "GPFENSP? 1, 2",  "GPGATS? 1, 3",   "GPTIMST? 1, 3", "GPTIMSP? 1, 3", "GPFENS? 1, 3",
-      "GPFENST? 1, 3",  "GPFENSP? 1, 3",  "GPGATS? 1, 4",  "GPTIMST? 1, 4", "GPTIMSP? 1, 4",
-      "GPFENS? 1, 4",   "GPFENST? 1, 4",  "GPFENSP? 1, 4", "MKSTATE? 1,1",  "MKPOS? 1,1",
-      "MKSTATE? 1,2",   "MKPOS? 1,2",     "MKSTATE? 1,3",  "MKPOS? 1,3",    "MKSTATE? 1,4",
-      "MKPOS? 1,4",     "MKACTN? 1",      "MKDELTS? 1",    "PMPREF? 1,DB",  "PMPSCAL? 1,DB",
-      "TRCAPT? 1,PMOD", "TRDLYT? 1,PMOD", "PMAVGS? 1",     "PMAVGN? 1",     "PMPO 1",
-  };
-}
-
 Texts startQuestions() {
   return {"PMPO 1",        "TRCAPT? 1,PMOD", "PMPREF? 1,DB",
           "PMPSCAL? 1,DB", "TRCAPT? 1,PMOD", "TRDLYT? 1,PMOD"};

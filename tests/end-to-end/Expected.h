@@ -4,14 +4,17 @@
 #include <vector>
 
 #include "Bench.h"
+#include "support/Transcripts.h"
 
 namespace endtoend {
 
 using Texts = std::vector<std::string>;
 
-/// What the program says to a meter on channel 1, command by command.
-Texts identityQuestions();
-Texts configurationQuestions();
+using pulsemod::test::configurationTranscript;
+using pulsemod::test::defaultsTranscript;
+using pulsemod::test::startTranscript;
+
+/// What a start of the acquisition says to a meter on channel 1.
 Texts startQuestions();
 /// One pass of the acquisition with markers 1 to 3 on, as they are in the simulated meter.
 Texts profilePass(Link link);

@@ -110,7 +110,7 @@ TEST_F(NonsenseStore, ASpeedThatTheDialogDoesNotOffer) {
   hands().close("frmComms");
   hands().click("frmConfigureQuestion/cmdLoadPM");
   hands().waitVisible("frmMain");
-  EXPECT_EQ(messages(transcript()), identityQuestions() + configurationQuestions());
+  EXPECT_EQ(messages(transcript()), startTranscript() + configurationTranscript());
 }
 
 }  // namespace

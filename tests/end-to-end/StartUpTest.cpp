@@ -21,16 +21,37 @@ TEST_P(StartUp, LoadAsksForTheWholeConfigurationInOrder) {
   startLoaded(GetParam());
   const Events events = markTranscript();
   EXPECT_EQ(checkedMessages(events),
-            identityQuestions() + configurationQuestions() + Texts{"SYDISP OFF"});
+            startTranscript() + configurationTranscript() + Texts{"SYDISP OFF"});
   Texts opened = GetParam() == Link::gpib ? Texts{"ONLINE", "IFC", "CLEAR"} : Texts{"ONLINE"};
   EXPECT_EQ(happenings(events), opened + messages(events));
+}
+
+TEST_P(StartUp, ConfigureSendsTheProgramsOwnSettingsInOrder) {
+  startOn(GetParam());
+  hands().click("frmConfigureQuestion/cmdConfig");
+  hands().waitVisible("frmMain");
+  EXPECT_EQ(checkedMessages(markTranscript()),
+            startTranscript() + defaultsTranscript() + Texts{"SYDISP OFF"});
+  EXPECT_EQ(windows(), "frmMain|Pelmora v" PULSEMOD_VERSION);
+  EXPECT_EQ(hands().get("frmMain/lblCapture", "text"), "4.6ms");
+}
+
+TEST_P(StartUp, ConfigureTellsWhenTheMeterDeniesCompletion) {
+  startOn(GetParam(), "fault = *OPC?, every, replace 0\n");
+  hands().click("frmConfigureQuestion/cmdConfig");
+  const Box box = shownBox(hands());
+  EXPECT_EQ(box.title, "Pelmora");
+  EXPECT_EQ(box.text, "Invalid response from Power Meter");
+  hands().key("messageBox", "Return");
+  hands().waitVisible("frmMain");
+  EXPECT_FALSE(hands().is("frmPleaseWait", "visible"));
 }
 
 TEST_P(StartUp, LoadStopsTheStatisticsOfTheMeterFirst) {
   startLoaded(GetParam(), "setup = PPACQS 1,ON\n");
   const Texts all = checkedMessages(markTranscript());
   EXPECT_EQ(part(all, 2, 3), (Texts{"PPACQS? 1", "PPACQS 1,OFF", "CHACTIV?"}));
-  EXPECT_EQ(part(all, 4), part(configurationQuestions(), 1) + Texts{"SYDISP OFF"});
+  EXPECT_EQ(part(all, 4), part(configurationTranscript(), 1) + Texts{"SYDISP OFF"});
 }
 
 TEST_P(StartUp, LoadFollowsTheActiveChannelOfTheMeter) {
@@ -73,7 +94,7 @@ TEST_P(StartUp, JustStartAsksForTheIdentityAlone) {
   EXPECT_EQ(hands().get("frmMain", "windowTitle"), "Pelmora PulseMod");
   EXPECT_EQ(hands().get("frmMain/lblRef", "text"), "Ref: 10.00 dBm");
   EXPECT_EQ(hands().get("frmMain/lblCapture", "text"), "4.6ms");
-  EXPECT_EQ(checkedMessages(markTranscript()), identityQuestions() + Texts{"SYDISP OFF"});
+  EXPECT_EQ(checkedMessages(markTranscript()), startTranscript() + Texts{"SYDISP OFF"});
 }
 
 TEST_P(StartUp, JustStartNeverAcquires) {
@@ -83,12 +104,11 @@ TEST_P(StartUp, JustStartNeverAcquires) {
   clickStart();
   awaitMessages("TRDLYT? 1,PMOD", 1);
   hands().waitUntil("frmMain/menuStop", "enabled", "true");
-  EXPECT_EQ(messages(markTranscript()),
-            identityQuestions() + startQuestions() + Texts{"SYDISP OFF"});
+  EXPECT_EQ(messages(markTranscript()), startTranscript() + startQuestions() + Texts{"SYDISP OFF"});
   hands().openMenuOf("frmMain/menuStop");
   hands().closeMenu();
   EXPECT_EQ(messages(markTranscript()),
-            identityQuestions() + startQuestions() + (Texts{"SYDISP OFF", "SYDISP ON"}));
+            startTranscript() + startQuestions() + (Texts{"SYDISP OFF", "SYDISP ON"}));
   closeMainWindowAndExpectEnd();
 }
 
@@ -105,7 +125,7 @@ TEST_P(StartUp, CommsOptionsComeAsOftenAsAskedForAndTheChoiceComesBack) {
   EXPECT_EQ(messages(transcript()), Texts{});
   hands().click("frmConfigureQuestion/cmdjuststart");
   hands().waitVisible("frmMain");
-  EXPECT_EQ(messages(transcript()), identityQuestions());
+  EXPECT_EQ(messages(transcript()), startTranscript());
 }
 
 TEST_P(StartUp, ExitProgramSaysNothingToTheMeter) {

@@ -186,17 +186,44 @@ TEST_F(Start, CommsOptionsAreShownEachTimeAndTakeEffect) {
   EXPECT_TRUE(world.dialogs.messages.empty());
 }
 
-TEST_F(Start, LaterCoursesAreAnnouncedAndTheQuestionComesAgain) {
-  choose({StartChoice::configureMeter, StartChoice::ccdfMode, StartChoice::justStart});
+TEST_F(Start, ALaterCourseIsAnnouncedAndTheQuestionComesAgain) {
+  choose({StartChoice::ccdfMode, StartChoice::justStart});
   StartUp(view);
-  EXPECT_EQ(view.shown, (Shown{"question", "question", "question", "main \"\""}));
+  EXPECT_EQ(view.shown, (Shown{"question", "question", "main \"\""}));
+  EXPECT_EQ(
+      world.dialogs.messages,
+      (std::vector<ShownBox>{{"\"CCDF Mode\" is not part of this version yet.", "Pelmora PulseMod",
+                              MessageIcon::information, "Please choose another way to begin."}}));
+  EXPECT_EQ(world.meter.received, startTranscript());
+}
+
+TEST_F(Start, ConfigureSendsTheDefaultsThenShowsTheWindowAndRunsTheLoop) {
+  choose({StartChoice::configureMeter});
+  EXPECT_THROW(StartUp(view), WaitsForEver);
+  EXPECT_EQ(world.meter.received, configureTranscript());
+  EXPECT_EQ(view.shown, (Shown{"question", "main \"" + versionCaption() + "\""}));
+  EXPECT_EQ(Settings.ReferenceLevel, 10.0F);
+  EXPECT_TRUE(world.dialogs.messages.empty());
+  EXPECT_FALSE(world.progress.visible);
+}
+
+TEST_F(Start, ConfigureOnSerialSendsTheSameLinesByteForByte) {
+  storeComms(world, "1");
+  choose({StartChoice::configureMeter});
+  EXPECT_THROW(StartUp(view), WaitsForEver);
+  EXPECT_EQ(world.serial.sent, serialBytes(configureTranscript()));
+  EXPECT_EQ(world.serial.interruptedQueries, 0);
+  EXPECT_TRUE(world.dialogs.messages.empty());
+}
+
+TEST_F(Start, AMeterThatDeniesCompletionIsToldAndTheRunGoesOn) {
+  world.meter.replies["*OPC?"] = "0";
+  choose({StartChoice::configureMeter});
+  EXPECT_THROW(StartUp(view), WaitsForEver);
   EXPECT_EQ(world.dialogs.messages,
             (std::vector<ShownBox>{
-                {"\"Configure Power Meter\" is not part of this version yet.", "Pelmora PulseMod",
-                 MessageIcon::information, "Please choose another way to begin."},
-                {"\"CCDF Mode\" is not part of this version yet.", "Pelmora PulseMod",
-                 MessageIcon::information, "Please choose another way to begin."}}));
-  EXPECT_EQ(world.meter.received, startTranscript());
+                {"Invalid response from Power Meter", "Pelmora", MessageIcon::exclamation, ""}}));
+  EXPECT_EQ(view.shown, (Shown{"question", "main \"" + versionCaption() + "\""}));
 }
 
 TEST_F(Start, ChoicesHaveTheirCodes) {

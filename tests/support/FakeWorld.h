@@ -13,6 +13,7 @@
 #include "support/FakeGpib.h"
 #include "support/FakeMeter.h"
 #include "support/FakeSerial.h"
+#include "support/Transcripts.h"
 
 /// An outside world for tests of the subsystems: a clock that stands still until somebody waits,
 /// events that the test queues, a meter behind both links, and a record of all that was shown.
@@ -255,8 +256,5 @@ class FakeWorld {
                      dialogs, fileDialogs, progress, programEnd};
   ServicesGuard guard_{services_};
 };
-
-/// "*CLS; *ESE 56" and the like: the texts that reached the meter, in order.
-using Transcript = std::vector<std::string>;
 
 }  // namespace pulsemod::test
