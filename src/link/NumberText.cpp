@@ -5,6 +5,8 @@
 #include <charconv>
 #include <system_error>
 
+#include "link/ReplyText.h"
+
 namespace pulsemod {
 
 namespace {
@@ -111,6 +113,13 @@ std::optional<float> leadingSingle(std::string_view text) {
   const double number = leadingNumber(text);
   if (!fitsSingle(number)) return std::nullopt;
   return static_cast<float>(number);
+}
+
+std::optional<float> wholeSingle(std::string_view text) {
+  std::string_view number = trimmed(text);
+  if (number.starts_with('-') || number.starts_with('+')) number.remove_prefix(1);
+  if (number.empty() || decimalNumberEnd(number) != number.size()) return std::nullopt;
+  return leadingSingle(text);
 }
 
 }  // namespace pulsemod

@@ -40,6 +40,10 @@ bool fitsSingle(double value);
 /// As `leadingNumber`; nothing when the number does not fit a finite single.
 std::optional<float> leadingSingle(std::string_view text);
 
+/// The single that `text` is from end to end, but for blanks around it; nothing for any other text,
+/// and when the number does not fit.
+std::optional<float> wholeSingle(std::string_view text);
+
 /// As `leadingNumber`, rounded to the nearest whole number (halves to even); nothing when that does
 /// not fit `Whole`.
 template <typename Whole>

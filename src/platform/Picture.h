@@ -19,6 +19,13 @@ struct PicturePoint {
   friend bool operator==(const PicturePoint&, const PicturePoint&) = default;
 };
 
+/// An extent in user units; both numbers are positive, whatever the signs of the scale.
+struct PictureSize {
+  double width = 0;
+  double height = 0;
+  friend bool operator==(const PictureSize&, const PictureSize&) = default;
+};
+
 /// The user scale of a picture: what stands at its left and top edge, and how far it reaches. A
 /// negative height means that y grows upward.
 struct PictureScale {

@@ -8,6 +8,7 @@
 #include "link/MeterLink.h"
 #include "link/NumberText.h"
 #include "platform/Services.h"
+#include "profile/AcquisitionPause.h"
 #include "profile/MeasurementSettings.h"
 #include "profile/ParameterEdits.h"
 #include "profile/ProfileGraph.h"
@@ -55,7 +56,14 @@ void acquire() {
   if (linkIsLost()) throw Fault(linkFailureReason());
   if (ProfileReadFailed) return;
   showRate(start);
-  if (aMarkerIsOn()) ReadMarkerReadings();
+  if (profileView().infoBox() != nullptr) {
+    ReadGateMeasurements(presentGateMeasurementMode());
+    UpdateInfoBox();
+  }
+  if (aMarkerIsOn()) {
+    ReadMarkerReadings();
+    UpdateMarkersWindow();
+  }
   if (!RefreshPicture()) StopAcquisition();
   services().events.processPending();
 }
@@ -82,7 +90,7 @@ void startWhenLinkIsFree(std::uint32_t request) {
     throw;
   }
   RefreshGraph();
-  if (request == AcquisitionRequests) AcquisitionRunning = True16;
+  if (request == AcquisitionRequests) SetAcquisitionRunning(true);
 }
 
 }  // namespace
@@ -110,7 +118,7 @@ void StartAcquisition() {
 void StopAcquisition() {
   profileView().showAcquisitionStopped();
   ++AcquisitionRequests;
-  AcquisitionRunning = False16;
+  SetAcquisitionRunning(false);
   whenLinkIsFree(CarryOutPendingEdits);
 }
 

@@ -15,9 +15,9 @@ extern bool ProfileReadFailed;
 [[noreturn]] void RunAcquisitionLoop();
 
 /// One pass: lets the user interface run, and while the acquisition runs reads one profile, carries
-/// out pending edits, shows the rate, reads the markers and redraws. While it does not run, the
-/// pass waits for an event. A failed profile read skips what follows the edits, silently; a fault
-/// stops the acquisition and is reported.
+/// out pending edits, shows the rate, reads the gates' measurements if the info box is open, reads
+/// the markers and redraws. While it does not run, the pass waits for an event. A failed profile
+/// read skips what follows the edits, silently; a fault stops the acquisition and is reported.
 void AcquireProfile();
 
 /// `menuStart`: menus first; then, when the link is free, device clear (GPIB), the read-back of

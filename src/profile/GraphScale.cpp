@@ -36,6 +36,12 @@ float GraphXToTime(float x) {
                        throughText(Settings.TriggerDelay));
 }
 
+float graphStopTime() {
+  // Summed through the texts, so that the right edge reads as the sum of the two labels.
+  return checkedSingle(throughShortestText(Settings.TriggerDelay) +
+                       throughShortestText(Settings.CaptureTime));
+}
+
 double graphBottomLevel() {
   return static_cast<double>(Settings.ReferenceLevel) -
          graphDivisions * static_cast<double>(Settings.ScalePerDivision);

@@ -17,6 +17,10 @@ float TimeToGraphX(float seconds);
 /// Graph x to time in seconds, not clamped. Display points of zero are a `Fault`.
 float GraphXToTime(float x);
 
+/// Time at the right edge of the graph: trigger delay plus capture time. A sum that does not fit is
+/// a `Fault`.
+float graphStopTime();
+
 /// The user scale of the profile graph. A `Fault` when the settings leave no area to draw on (no
 /// points, no height, no capture time).
 PictureScale profileGraphScale();

@@ -67,11 +67,7 @@ bool drawOrReportOnce(const std::function<void()>& drawing) {
     GraphFaultReported = false;
     return true;
   } catch (const Fault& fault) {
-    if (!GraphFaultReported) {
-      // First, since the box lets windows be resized, and a resize draws.
-      GraphFaultReported = true;
-      reportFault(fault.what());
-    }
+    reportGraphFaultOnce(fault);
     return false;
   }
 }
@@ -79,6 +75,13 @@ bool drawOrReportOnce(const std::function<void()>& drawing) {
 std::string decibels(float value) { return fixedText(static_cast<double>(value), 2, 2); }
 
 }  // namespace
+
+void reportGraphFaultOnce(const Fault& fault) {
+  if (GraphFaultReported) return;
+  // First, since the box lets windows be resized, and a resize draws.
+  GraphFaultReported = true;
+  reportFault(fault.what());
+}
 
 void DrawGraphGrid() {
   const PictureScale scale = profileGraphScale();
@@ -123,10 +126,7 @@ void UpdateGraphLabels() {
   view.setGraphLabel(GraphLabel::scale, "Scale: " + decibels(Settings.ScalePerDivision) + " dB");
   view.setGraphLabel(GraphLabel::capture, FormatTime(Settings.CaptureTime));
   view.setGraphLabel(GraphLabel::start, FormatTime(Settings.TriggerDelay));
-  // Summed through the texts, so that the right edge reads as the sum of the two labels.
-  const double stop =
-      throughShortestText(Settings.TriggerDelay) + throughShortestText(Settings.CaptureTime);
-  view.setGraphLabel(GraphLabel::stop, FormatTime(checkedSingle(stop)));
+  view.setGraphLabel(GraphLabel::stop, FormatTime(graphStopTime()));
   PositionGateLines();
 }
 

@@ -10,6 +10,8 @@
 
 namespace pulsemod {
 
+class Fault;
+
 inline constexpr Colour gridColour{200, 200, 200};
 inline constexpr Colour liveTraceColour{255, 255, 0};
 inline constexpr Colour secondProfileColour{0, 255, 100};
@@ -17,8 +19,12 @@ inline constexpr Colour activeMarkerColour{255, 0, 0};
 inline constexpr Colour markerColour{0, 255, 255};
 
 /// The drawing could not be done with the present settings and the user has been told; told again
-/// only after it could be done in between. Written by `RefreshPicture` and `RefreshGraph`.
+/// only after it could be done in between. Written by `RefreshPicture`, `RefreshGraph` and
+/// `reportGraphFaultOnce`.
 extern bool GraphFaultReported;
+
+/// Tells the user why the graph cannot be drawn or computed, unless that was done already.
+void reportGraphFaultOnce(const Fault& fault);
 
 /// Clears the picture, sets its user scale and draws the grid of 10 by 10 divisions.
 void DrawGraphGrid();

@@ -24,6 +24,9 @@ struct GateLine {
 inline constexpr std::size_t linesPerGate = 4;
 using GateLineArray = std::array<GateLine, 8 * linesPerGate>;
 
+class InfoBoxView;
+class MarkersView;
+
 class ProfileView {
  public:
   virtual ~ProfileView() = default;
@@ -32,8 +35,20 @@ class ProfileView {
   virtual Picture& graph() = 0;
   /// The caption of `lblRef`, `lblscale`, `lblCapture`, `lblStart` or `lblStop`.
   virtual void setGraphLabel(GraphLabel label, const std::string& caption) = 0;
+  virtual std::string graphLabel(GraphLabel label) const = 0;
   /// Places `GateLine`; they stay until the next call, whatever is drawn meanwhile.
   virtual void placeGateLines(const GateLineArray& lines) = 0;
+  /// `lblgate`, the label of the edge under the mouse: hidden at first, drawn over the graph.
+  virtual void setEdgeLabelCaption(const std::string& caption) = 0;
+  virtual std::string edgeLabelCaption() const = 0;
+  /// What the present caption takes, in the graph's user units.
+  virtual PictureSize edgeLabelSize() const = 0;
+  /// Shows the label with its top left corner at a place in the graph's user units.
+  virtual void showEdgeLabel(PicturePoint topLeft) = 0;
+  virtual void hideEdgeLabel() = 0;
+  /// The pointer over the graph: a left-right arrow, or the default.
+  virtual void setSizingPointer(bool sizing) = 0;
+
   /// `lblgraphspeed` and its tool tip.
   virtual void showRate(const std::string& caption, const std::string& toolTip) = 0;
 
@@ -43,6 +58,10 @@ class ProfileView {
 
   /// `menuSecondProfile` is checked.
   virtual bool secondProfileIsShown() const = 0;
+
+  /// `frmInfo` and `frmMarkers` while they are open (minimised counts as open), else none.
+  virtual InfoBoxView* infoBox() = 0;
+  virtual MarkersView* markersWindow() = 0;
 };
 
 /// The window; calling it before one is there ends the process.

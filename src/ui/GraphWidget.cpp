@@ -1,10 +1,13 @@
 #include "ui/GraphWidget.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QFontMetrics>
+#include <QMouseEvent>
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "ui/Look.h"
 
@@ -14,6 +17,11 @@ namespace {
 
 /// The rasteriser's own limit is 32767 device pixels; lines stay well below it.
 constexpr double farthestPixel = 16000;
+
+/// An event after which the release of a button goes elsewhere.
+bool losesMouse(QEvent::Type type) {
+  return type == QEvent::WindowDeactivate || type == QEvent::WindowBlocked || type == QEvent::Hide;
+}
 
 QColor toQt(Colour colour) { return QColor(colour.red, colour.green, colour.blue); }
 
@@ -55,6 +63,81 @@ void GraphWidget::placeGateLines(const GateLineArray& lines) {
   if (lines == gateLines_) return;
   gateLines_ = lines;
   update();
+}
+
+void GraphWidget::setMouseHandlers(GraphMouseHandlers handlers) {
+  mouse_ = std::move(handlers);
+  setMouseTracking(true);
+}
+
+PicturePoint GraphWidget::userPoint(const QPointF& pixel) const {
+  const PictureScale& scale = recorder_.shown().scale;
+  return {scale.left + pixel.x() / std::max(1, width()) * scale.width,
+          scale.top + pixel.y() / std::max(1, height()) * scale.height};
+}
+
+QPoint GraphWidget::pixelAt(const PicturePoint& point) const {
+  QPoint pixel;
+  DeviceScale(recorder_.shown().scale, width(), height()).map(point, pixel);
+  return pixel;
+}
+
+PictureSize GraphWidget::userSize(const QSize& pixels) const {
+  const PictureScale& scale = recorder_.shown().scale;
+  return {std::abs(scale.width) * pixels.width() / std::max(1, width()),
+          std::abs(scale.height) * pixels.height() / std::max(1, height())};
+}
+
+bool GraphWidget::event(QEvent* event) {
+  if (pressed_ && losesMouse(event->type())) endPressLater();
+  return QWidget::event(event);
+}
+
+bool GraphWidget::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Show && watched->isWidgetType() &&
+      static_cast<QWidget*>(watched)->windowType() == Qt::Popup) {
+    endPressLater();
+  }
+  return QWidget::eventFilter(watched, event);
+}
+
+void GraphWidget::endPressLater() {
+  QMetaObject::invokeMethod(
+      this, [this] { endPress(); }, Qt::QueuedConnection);
+}
+
+void GraphWidget::mousePressEvent(QMouseEvent* event) {
+  if (event->button() != Qt::LeftButton || !mouse_.press) {
+    event->ignore();
+    return;
+  }
+  // The release of the press before went to another window.
+  endPress();
+  pressed_ = true;
+  // A menu that opens gets the release.
+  qApp->installEventFilter(this);
+  mouse_.press();
+}
+
+void GraphWidget::mouseMoveEvent(QMouseEvent* event) {
+  // Here as well.
+  if (!event->buttons().testFlag(Qt::LeftButton)) endPress();
+  if (mouse_.move) mouse_.move(userPoint(event->position()));
+}
+
+void GraphWidget::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton) endPress();
+}
+
+void GraphWidget::leaveEvent(QEvent* event) {
+  QWidget::leaveEvent(event);
+  if (mouse_.leave) mouse_.leave();
+}
+
+void GraphWidget::endPress() {
+  if (!std::exchange(pressed_, false)) return;
+  qApp->removeEventFilter(this);
+  mouse_.release();
 }
 
 void GraphWidget::changeEvent(QEvent* event) {

@@ -5,6 +5,7 @@
 #include <QPoint>
 #include <QStaticText>
 #include <QWidget>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,19 @@ struct DeviceScale {
   double yOffset_;
 };
 
+/// What the mouse does over a graph; points are in its user units. A handler may open a box.
+struct GraphMouseHandlers {
+  /// The left button goes down.
+  std::function<void()> press;
+  /// The pointer moves, with or without the button; with it also outside the graph.
+  std::function<void(PicturePoint)> move;
+  /// The left button goes up, or the press ends otherwise: a modal window or a menu opens, the
+  /// window is hidden or no longer the active one. Once for each press.
+  std::function<void()> release;
+  /// The pointer leaves the graph.
+  std::function<void()> leave;
+};
+
 /// A graph: shows the last finished drawing of `picture()` and, above it, gate lines. An expose
 /// paints both again without asking anybody.
 class GraphWidget : public QWidget {
@@ -37,12 +51,28 @@ class GraphWidget : public QWidget {
 
   Picture& picture() { return recorder_; }
   void placeGateLines(const GateLineArray& lines);
+  void setMouseHandlers(GraphMouseHandlers handlers);
+
+  /// Between pixels of this widget and user units of the drawing that is shown.
+  PicturePoint userPoint(const QPointF& pixel) const;
+  QPoint pixelAt(const PicturePoint& point) const;
+  PictureSize userSize(const QSize& pixels) const;
 
  protected:
+  bool event(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void leaveEvent(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void changeEvent(QEvent* event) override;
 
  private:
+  void endPress();
+  /// When the present change of the windows is complete: the release may let events run while it
+  /// tells the meter, and a window that is half hidden or half blocked cannot stand that.
+  void endPressLater();
   double textHeightShare() const;
   void prepareBackground(const QSize& deviceSize);
   void paintSteps(QPainter& painter, const DeviceScale& scale, std::size_t first, std::size_t last);
@@ -53,6 +83,8 @@ class GraphWidget : public QWidget {
 
   DrawingRecorder recorder_;
   GateLineArray gateLines_{};
+  GraphMouseHandlers mouse_;
+  bool pressed_ = false;
 
   QPixmap background_;
   /// What `background_` shows.

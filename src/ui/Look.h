@@ -13,6 +13,13 @@ inline constexpr QColor label{226, 232, 240};
 inline constexpr QColor quietLabel{166, 176, 190};
 inline constexpr QColor rule{70, 80, 96};
 
+/// The frame of a label that has the keyboard focus.
+inline constexpr QColor focusFrame{120, 190, 255};
+
+/// The label of an edge under the mouse, over the graph.
+inline constexpr QColor edgeLabelGround{44, 52, 64};
+inline constexpr QColor edgeLabelText{255, 255, 255};
+
 /// Apart from both traces in hue and from each other in style as well.
 inline constexpr QColor gateLine{255, 140, 0};
 inline constexpr QColor fenceLine{206, 130, 255};

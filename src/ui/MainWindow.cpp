@@ -1,7 +1,6 @@
 #include "ui/MainWindow.h"
 
 #include <QAction>
-#include <QFontDialog>
 #include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
@@ -11,6 +10,10 @@
 #include "link/Fault.h"
 #include "link/Session.h"
 #include "profile/AcquisitionLoop.h"
+#include "profile/Readouts.h"
+#include "ui/FontChoice.h"
+#include "ui/InfoBox.h"
+#include "ui/MarkersWindow.h"
 
 namespace pulsemod {
 
@@ -110,8 +113,8 @@ void MainWindow::buildViewMenu() {
   menuMarkers_ =
       addItem(menu, "menuMarkers", QStringLiteral("&Markers"),
               QStringLiteral("The readings of the markers"), QKeySequence(Qt::CTRL | Qt::Key_M));
-  menuInfoBox_->setEnabled(false);
-  menuMarkers_->setEnabled(false);
+  menuInfoBox_->setCheckable(true);
+  menuMarkers_->setCheckable(true);
 }
 
 void MainWindow::connectMenus() {
@@ -124,13 +127,15 @@ void MainWindow::connectMenus() {
   connect(menuComs_, &QAction::triggered, this, [this] { reportFaults(showComms_); });
   connect(menuGraphFont_, &QAction::triggered, this,
           [this] { reportFaults([this] { chooseGraphFont(); }); });
+  connect(menuInfoBox_, &QAction::triggered, this,
+          [this] { toggle(infoBox_, *menuInfoBox_, UpdateInfoBox); });
+  connect(menuMarkers_, &QAction::triggered, this,
+          [this] { toggle(markersWindow_, *menuMarkers_, UpdateMarkersWindow); });
 }
 
 void MainWindow::chooseGraphFont() {
-  QFontDialog dialog(panel_->graphFont(), this);
-  dialog.setObjectName(QStringLiteral("cmdialog"));
-  dialog.setWindowTitle(QStringLiteral("Graph Font"));
-  if (dialog.exec() == QDialog::Accepted) applyGraphFont(dialog.selectedFont());
+  const auto chosen = chooseFont(panel_->graphFont(), QStringLiteral("Graph Font"), this);
+  if (chosen) applyGraphFont(*chosen);
 }
 
 void MainWindow::applyGraphFont(const QFont& chosen) {
@@ -150,7 +155,27 @@ void MainWindow::setGraphLabel(GraphLabel label, const std::string& caption) {
   panel_->setGraphLabel(label, QString::fromStdString(caption));
 }
 
+std::string MainWindow::graphLabel(GraphLabel label) const {
+  return panel_->graphLabel(label).toStdString();
+}
+
 void MainWindow::placeGateLines(const GateLineArray& lines) { panel_->placeGateLines(lines); }
+
+void MainWindow::setEdgeLabelCaption(const std::string& caption) {
+  panel_->setEdgeLabelCaption(QString::fromStdString(caption));
+}
+
+std::string MainWindow::edgeLabelCaption() const {
+  return panel_->edgeLabelCaption().toStdString();
+}
+
+PictureSize MainWindow::edgeLabelSize() const { return panel_->edgeLabelSize(); }
+
+void MainWindow::showEdgeLabel(PicturePoint topLeft) { panel_->showEdgeLabel(topLeft); }
+
+void MainWindow::hideEdgeLabel() { panel_->hideEdgeLabel(); }
+
+void MainWindow::setSizingPointer(bool sizing) { panel_->setSizingPointer(sizing); }
 
 void MainWindow::showRate(const std::string& caption, const std::string& toolTip) {
   panel_->showRate(QString::fromStdString(caption), QString::fromStdString(toolTip));
@@ -168,6 +193,30 @@ void MainWindow::setAcquisitionMenus(bool running) {
 }
 
 bool MainWindow::secondProfileIsShown() const { return menuSecondProfile_->isChecked(); }
+
+InfoBoxView* MainWindow::infoBox() {
+  return infoBox_ != nullptr && infoBox_->isOpen() ? infoBox_ : nullptr;
+}
+
+MarkersView* MainWindow::markersWindow() {
+  return markersWindow_ != nullptr && markersWindow_->isOpen() ? markersWindow_ : nullptr;
+}
+
+template <typename Window>
+void MainWindow::toggle(Window*& window, QAction& item, void (*fill)()) {
+  reportFaults([&] {
+    if (window == nullptr) {
+      window = new Window(this, {fill, [&item](bool shown) { item.setChecked(shown); }});
+    }
+    if (window->isVisible()) {
+      window->close();
+    } else {
+      window->open();
+    }
+  });
+  // A click has changed the tick whatever came of it.
+  item.setChecked(window->isVisible());
+}
 
 void MainWindow::unload() { EndSession(); }
 

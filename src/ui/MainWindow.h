@@ -12,6 +12,9 @@ class QMenu;
 
 namespace pulsemod {
 
+class InfoBox;
+class MarkersWindow;
+
 /// `frmMain`. Must be the `profileView()` when it is shown.
 class MainWindow : public QMainWindow, public ProfileView {
  public:
@@ -20,11 +23,20 @@ class MainWindow : public QMainWindow, public ProfileView {
 
   Picture& graph() override;
   void setGraphLabel(GraphLabel label, const std::string& caption) override;
+  std::string graphLabel(GraphLabel label) const override;
   void placeGateLines(const GateLineArray& lines) override;
+  void setEdgeLabelCaption(const std::string& caption) override;
+  std::string edgeLabelCaption() const override;
+  PictureSize edgeLabelSize() const override;
+  void showEdgeLabel(PicturePoint topLeft) override;
+  void hideEdgeLabel() override;
+  void setSizingPointer(bool sizing) override;
   void showRate(const std::string& caption, const std::string& toolTip) override;
   void showAcquisitionStarted() override;
   void showAcquisitionStopped() override;
   bool secondProfileIsShown() const override;
+  InfoBoxView* infoBox() override;
+  MarkersView* markersWindow() override;
 
   /// Puts the graph and its labels into a font and lays the window out for it.
   void applyGraphFont(const QFont& chosen);
@@ -43,11 +55,16 @@ class MainWindow : public QMainWindow, public ProfileView {
   void connectMenus();
   QMenu* addMenu(const QString& caption);
   void chooseGraphFont();
+  /// Shows or hides one of the two readout windows, which is built when it is first shown.
+  template <typename Window>
+  void toggle(Window*& window, QAction& item, void (*fill)());
   void limitSize();
   void setAcquisitionMenus(bool running);
 
   std::function<void()> showComms_;
   ProfilePanel* panel_;
+  InfoBox* infoBox_ = nullptr;
+  MarkersWindow* markersWindow_ = nullptr;
   QAction* menuOpen_ = nullptr;
   QAction* menuSave_ = nullptr;
   QAction* menuExit_ = nullptr;

@@ -2,9 +2,14 @@
 
 #include <QFontMetrics>
 #include <QTimer>
+#include <algorithm>
+#include <utility>
 
 #include "link/Fault.h"
+#include "profile/GraphMouse.h"
+#include "profile/ParameterEdits.h"
 #include "profile/ProfileGraph.h"
+#include "ui/FontChoice.h"
 #include "ui/Look.h"
 
 namespace pulsemod {
@@ -18,6 +23,13 @@ void setUpLabel(QLabel& label, const char* name, const QString& toolTip) {
   label.setTextFormat(Qt::PlainText);
   label.setContentsMargins(8, 4, 8, 4);
   label.setToolTip(toolTip);
+}
+
+void setUpParameter(ParameterLabel& label, const char* name, const QString& meaning,
+                    const QString& toolTip, void (*onClick)()) {
+  setUpLabel(label, name, toolTip);
+  label.setMeaning(meaning);
+  label.setOnClick([onClick] { reportFaults(onClick); });
 }
 
 /// Draws the graph in the middle of a resize. The box of a fault must wait until the resize is
@@ -53,6 +65,9 @@ ProfilePanel::ProfilePanel(QWidget* parent) : QWidget(parent) {
   colours.setColor(QPalette::WindowText, look::label);
   setPalette(colours);
   setAutoFillBackground(true);
+  // Else the first label had the focus at the start, and Enter would open its box.
+  setFocusPolicy(Qt::ClickFocus);
+  setFocus();
 
   rule_.setObjectName(QStringLiteral("menuLine"));
   QPalette ruleColours = colours;
@@ -63,32 +78,82 @@ ProfilePanel::ProfilePanel(QWidget* parent) : QWidget(parent) {
   graph_.setObjectName(QStringLiteral("GraphPic"));
   graph_.setAccessibleName(QStringLiteral("Pulse profile graph"));
 
-  setUpLabel(reference_, "lblRef", QStringLiteral("Reference level: the power at the top edge"));
   setUpLabel(rate_, "lblgraphspeed", QString());
-  setUpLabel(scale_, "lblscale", QStringLiteral("Power for each of the ten vertical divisions"));
-  setUpLabel(start_, "lblStart", QStringLiteral("Trigger delay: the time at the left edge"));
-  setUpLabel(capture_, "lblCapture", QStringLiteral("Capture period: the time across the graph"));
-  setUpLabel(stop_, "lblStop", QStringLiteral("The time at the right edge"));
+  setUpParameter(reference_, "lblRef", QStringLiteral("Reference level"),
+                 QStringLiteral("Reference level: the power at the top edge. Click to change it."),
+                 EditReferenceLevel);
+  setUpParameter(
+      scale_, "lblscale", QStringLiteral("Graph scale"),
+      QStringLiteral("Power for each of the ten vertical divisions. Click to change it."),
+      EditGraphScale);
+  setUpParameter(start_, "lblStart", QStringLiteral("Trigger delay"),
+                 QStringLiteral("Trigger delay: the time at the left edge. Click to change it."),
+                 EditTriggerDelay);
+  setUpParameter(capture_, "lblCapture", QStringLiteral("Capture period"),
+                 QStringLiteral("Capture period: the time across the graph. Click to change it."),
+                 EditCaptureTime);
+  setUpParameter(stop_, "lblStop", QStringLiteral("Stop time"),
+                 QStringLiteral("The time at the right edge: trigger delay plus capture period. "
+                                "Change the capture period to move it."),
+                 ExplainStopTime);
+  setUpEdgeLabel();
+  graph_.setMouseHandlers(
+      {[] { reportFaults(GraphButtonDown); },
+       [](PicturePoint pointer) { reportFaults([pointer] { GraphMouseMove(pointer); }); },
+       [] { reportFaults(GraphButtonUp); }, [] { reportFaults(GraphMouseLeave); }});
   QPalette quiet = colours;
   quiet.setColor(QPalette::WindowText, look::quietLabel);
   rate_.setPalette(quiet);
   rate_.setText(QLatin1String(idleRate));
 }
 
-QLabel& ProfilePanel::labelOf(GraphLabel label) {
-  switch (label) {
-    case GraphLabel::reference:
-      return reference_;
-    case GraphLabel::scale:
-      return scale_;
-    case GraphLabel::capture:
-      return capture_;
-    case GraphLabel::start:
-      return start_;
-    case GraphLabel::stop:
-      break;
+void ProfilePanel::setUpEdgeLabel() {
+  edgeLabel_.setObjectName(QStringLiteral("lblgate"));
+  edgeLabel_.setTextFormat(Qt::PlainText);
+  edgeLabel_.setContentsMargins(4, 2, 4, 2);
+  edgeLabel_.setAutoFillBackground(true);
+  QPalette colours = palette();
+  colours.setColor(QPalette::Window, look::edgeLabelGround);
+  colours.setColor(QPalette::WindowText, look::edgeLabelText);
+  edgeLabel_.setPalette(colours);
+  // The mouse is over the graph, also where the label stands.
+  edgeLabel_.setAttribute(Qt::WA_TransparentForMouseEvents);
+  edgeLabel_.hide();
+}
+
+void ProfilePanel::setEdgeLabelCaption(const QString& caption) {
+  edgeLabel_.setText(caption);
+  edgeLabel_.adjustSize();
+}
+
+void ProfilePanel::showEdgeLabel(PicturePoint topLeft) {
+  edgeLabelPlace_ = topLeft;
+  placeEdgeLabel();
+  edgeLabel_.show();
+}
+
+void ProfilePanel::placeEdgeLabel() {
+  const QPoint place = graph_.pixelAt(edgeLabelPlace_);
+  // A pointer that drags outside the graph takes the label to its edge.
+  const QSize room = graph_.size() - edgeLabel_.size();
+  edgeLabel_.move(graph_.pos() + QPoint(std::clamp(place.x(), 0, std::max(0, room.width())),
+                                        std::clamp(place.y(), 0, std::max(0, room.height()))));
+}
+
+void ProfilePanel::setSizingPointer(bool sizing) {
+  // At each move of the mouse, and the window system would be told each time.
+  if (sizing == graph_.testAttribute(Qt::WA_SetCursor)) return;
+  if (sizing) {
+    graph_.setCursor(Qt::SizeHorCursor);
+  } else {
+    graph_.unsetCursor();
   }
-  return stop_;
+}
+
+QString ProfilePanel::graphLabel(GraphLabel label) const { return labelOf(label).text(); }
+
+QLabel& ProfilePanel::labelOf(GraphLabel label) const {
+  return *graphLabels_[static_cast<std::size_t>(label)];
 }
 
 void ProfilePanel::setGraphLabel(GraphLabel label, const QString& caption) {
@@ -106,17 +171,8 @@ void ProfilePanel::showRate(const QString& caption, const QString& toolTip) {
 }
 
 void ProfilePanel::setGraphFont(const QFont& chosen) {
-  QFont applied = graphFont();
-  applied.setFamily(chosen.family());
-  if (chosen.pointSizeF() > 0) {
-    applied.setPointSizeF(chosen.pointSizeF());
-  } else {
-    applied.setPixelSize(chosen.pixelSize());
-  }
-  // A style name would win over the weight.
-  applied.setStyleName(QString());
-  applied.setBold(chosen.bold());
-  for (QLabel* label : {&reference_, &scale_, &start_, &capture_, &stop_}) label->setFont(applied);
+  const QFont applied = withNameSizeAndWeight(graphFont(), chosen);
+  for (QLabel* label : graphLabels_) label->setFont(applied);
   graph_.setFont(applied);
 }
 
@@ -144,6 +200,7 @@ void ProfilePanel::place() {
   start_.setGeometry(layout.start);
   capture_.setGeometry(layout.capture);
   stop_.setGeometry(layout.stop);
+  placeEdgeLabel();
 }
 
 void ProfilePanel::layOutAndDraw() {

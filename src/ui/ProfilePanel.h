@@ -3,9 +3,11 @@
 #include <QFont>
 #include <QLabel>
 #include <QWidget>
+#include <array>
 
 #include "profile/ProfileView.h"
 #include "ui/GraphWidget.h"
+#include "ui/ParameterLabel.h"
 #include "ui/ProfileLayout.h"
 
 namespace pulsemod {
@@ -19,7 +21,15 @@ class ProfilePanel : public QWidget {
   Picture& graph() { return graph_.picture(); }
   void placeGateLines(const GateLineArray& lines) { graph_.placeGateLines(lines); }
   void setGraphLabel(GraphLabel label, const QString& caption);
+  QString graphLabel(GraphLabel label) const;
   void showRate(const QString& caption, const QString& toolTip);
+
+  void setEdgeLabelCaption(const QString& caption);
+  QString edgeLabelCaption() const { return edgeLabel_.text(); }
+  PictureSize edgeLabelSize() const { return graph_.userSize(edgeLabel_.sizeHint()); }
+  void showEdgeLabel(PicturePoint topLeft);
+  void hideEdgeLabel() { edgeLabel_.hide(); }
+  void setSizingPointer(bool sizing);
 
   QFont graphFont() const { return reference_.font(); }
   /// Applies the font's name, size and weight to the graph and its labels.
@@ -35,18 +45,26 @@ class ProfilePanel : public QWidget {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  void setUpEdgeLabel();
+  void placeEdgeLabel();
   ProfileLabelSizes labelSizes() const;
-  QLabel& labelOf(GraphLabel label);
+  QLabel& labelOf(GraphLabel label) const;
   void place();
 
   QWidget rule_{this};
-  QLabel reference_{this};
+  ParameterLabel reference_{this};
   QLabel rate_{this};
-  QLabel scale_{this};
+  ParameterLabel scale_{this};
   GraphWidget graph_{this};
-  QLabel start_{this};
-  QLabel capture_{this};
-  QLabel stop_{this};
+  /// Over the graph, and not its child: its font is not the graph's, which is the user's choice.
+  QLabel edgeLabel_{this};
+  /// Its top left corner, in the graph's user units.
+  PicturePoint edgeLabelPlace_;
+  ParameterLabel start_{this};
+  ParameterLabel capture_{this};
+  ParameterLabel stop_{this};
+  /// In the order of `GraphLabel`.
+  std::array<QLabel*, 5> graphLabels_{&reference_, &scale_, &capture_, &start_, &stop_};
 };
 
 }  // namespace pulsemod

@@ -151,6 +151,63 @@ TEST_P(NumberText, LeadingSingleRefusesWhatDoesNotFit) {
   EXPECT_EQ(leadingSingle("1E-60"), 0.0F);
 }
 
+TEST_P(NumberText, WholeSingleTakesNumbersFromEndToEndOnly) {
+  struct Row {
+    const char* text;
+    std::optional<float> number;
+  };
+  const Row rows[] = {
+      {"7", 7.0F},
+      {"+7", 7.0F},
+      {"-7", -7.0F},
+      {" 7 ", 7.0F},
+      {"\t7\r\n", 7.0F},
+      {"0", 0.0F},
+      {"0.0046", 0.0046F},
+      {".5", 0.5F},
+      {"-.5", -0.5F},
+      {"5.", 5.0F},
+      {"1E-05", 1E-05F},
+      {"1e3", 1000.0F},
+      {"-34.567\r", -34.567F},
+      {"3.4E38", 3.4E38F},
+      {"1E-60", 0.0F},
+      {"", {}},
+      {" ", {}},
+      {"\r", {}},
+      {"abc", {}},
+      {"10dBm", {}},
+      {"10 dBm", {}},
+      {"1 2", {}},
+      {"1,2", {}},
+      {"4,6", {}},
+      {"1.5.2", {}},
+      {"--5", {}},
+      {"+-5", {}},
+      {"-+5", {}},
+      {"- 5", {}},
+      {"-", {}},
+      {"+", {}},
+      {".", {}},
+      {"E5", {}},
+      {".E5", {}},
+      {"1E", {}},
+      {"1E+", {}},
+      {"1Ex", {}},
+      {"0x1F", {}},
+      {"nan", {}},
+      {"inf", {}},
+      {"-inf", {}},
+      {"1D5", {}},
+      {"3.5E38", {}},
+      {"-3.5E38", {}},
+      {"1E400", {}},
+  };
+  for (const Row& row : rows) EXPECT_EQ(wholeSingle(row.text), row.number) << row.text;
+  using namespace std::string_view_literals;
+  EXPECT_EQ(wholeSingle("7\0"sv), std::nullopt);
+}
+
 TEST_P(NumberText, LeadingWholeRoundsHalvesToEvenAndRefusesWhatDoesNotFit) {
   struct Row {
     const char* text;

@@ -21,6 +21,17 @@ class AcquisitionPassTest : public ProfileTest {
     const std::string text = std::to_string(number);
     world.meter.replies["MKNO 1," + text] = "MKNO 1," + text + ",-20,DBM,0.0023";
   }
+  /// The info box is open and the meter answers for `gates` and for the profile.
+  void openInfoBox(std::initializer_list<int> gates) {
+    view.infoBoxOpen = true;
+    world.meter.replies["PMRDO 1"] = "PMRDO 1,1,AVG,-12.3";
+    for (const int gate : gates) switchGate(gate, True16);
+  }
+  void switchGate(int number, Boolean16 on) {
+    Settings.Gates[static_cast<std::size_t>(number - 1)].Enabled = on;
+    const std::string text = std::to_string(number);
+    world.meter.replies["GPNMO 1," + text] = "GPNMO 1,2," + text + ",AVG,-10.5,PK,-5.2";
+  }
   static void editReference(float level) {
     Settings.ReferenceLevel = level;
     PendingEdits.ReferenceLevel = True16;
@@ -57,6 +68,144 @@ TEST_F(AcquisitionPassTest, StepsComeInTheirOrder) {
                 "PMPREF 1,DB,5 after 0 rates, 0 pictures", "PMPREF? 1,DB after 0 rates, 0 pictures",
                 "MKNO 1,3 after 1 rates, 1 pictures"}));
   EXPECT_EQ(view.picture.timesShown, 2);
+}
+
+TEST_F(AcquisitionPassTest, MeasurementsComeAfterTheRateAndBeforeTheMarkers) {
+  openInfoBox({2, 7});
+  view.markersOpen = true;
+  switchMarkerOn(3);
+  editReference(5);
+  world.meter.replies["PMPREF? 1,DB"] = "PMPREF 1,DB,5";
+  std::vector<std::string> order;
+  world.meter.onMessage = [&](const std::string& message) {
+    order.push_back(message + " after " + std::to_string(view.timesRateShown) + " rates, " +
+                    std::to_string(view.info.timesShown) + " results, " +
+                    std::to_string(view.markers.timesShown) + " markers, " +
+                    std::to_string(view.picture.timesShown) + " pictures");
+  };
+  AcquireProfile();
+  EXPECT_EQ(order, (std::vector<std::string>{
+                       "TR1 1 after 0 rates, 0 results, 0 markers, 0 pictures",
+                       "PMPBO 1 after 0 rates, 0 results, 0 markers, 0 pictures",
+                       "PMPREF 1,DB,5 after 0 rates, 0 results, 0 markers, 0 pictures",
+                       "PMPREF? 1,DB after 0 rates, 0 results, 0 markers, 0 pictures",
+                       "GPNMO 1,2 after 1 rates, 0 results, 0 markers, 1 pictures",
+                       "GPNMO 1,7 after 1 rates, 0 results, 0 markers, 1 pictures",
+                       // Two results of each of the nine groups.
+                       "MKNO 1,3 after 1 rates, 18 results, 0 markers, 1 pictures"}));
+  EXPECT_EQ(view.markers.timesShown, 1);
+  EXPECT_EQ(view.markers.markers[2].reading, "-20");
+  EXPECT_EQ(view.info.results[21].value, "-10.50");
+  EXPECT_EQ(view.info.results[22].value, "-5.20");
+  EXPECT_EQ(view.picture.timesShown, 2);
+}
+
+TEST_F(AcquisitionPassTest, RateLeavesTheMeasurementsOut) {
+  openInfoBox({1, 2, 3, 4});
+  AcquireProfile();
+  EXPECT_EQ(received().size(), 6U);
+  EXPECT_EQ(view.rate, "Profile/Second: 50.0");
+}
+
+TEST_F(AcquisitionPassTest, NothingIsMeasuredForAClosedInfoBox) {
+  openInfoBox({2});
+  view.infoBoxOpen = false;
+  AcquireProfile();
+  EXPECT_EQ(received(), (Transcript{"TR1 1", "PMPBO 1"}));
+  EXPECT_TRUE(view.info.groups.empty());
+}
+
+TEST_F(AcquisitionPassTest, MarkersAreReadForAClosedWindow) {
+  switchMarkerOn(1);
+  AcquireProfile();
+  EXPECT_EQ(received(), (Transcript{"TR1 1", "PMPBO 1", "MKNO 1,1"}));
+  EXPECT_TRUE(view.markers.markers.empty());
+}
+
+TEST_F(AcquisitionPassTest, MarkersWindowWaitsForAMarkerThatIsOn) {
+  view.markersOpen = true;
+  Settings.Markers[deltaMarker].Enabled = True16;
+  AcquireProfile();
+  EXPECT_TRUE(view.markers.enabled.empty());
+}
+
+TEST_F(AcquisitionPassTest, GatesSwitchedBetweenPassesChangeWhatIsMeasured) {
+  openInfoBox({});
+  const auto measured = [this] {
+    world.meter.received.clear();
+    AcquireProfile();
+    return Transcript(received().begin() + 2, received().end());
+  };
+  EXPECT_EQ(measured(), (Transcript{"PMRDO 1"}));
+  EXPECT_EQ(view.info.groups[0], (FakeInfoBox::Group{true, true}));
+  EXPECT_EQ(view.info.results[0].value, "-12.30");
+  switchGate(2, True16);
+  EXPECT_EQ(measured(), (Transcript{"GPNMO 1,2"}));
+  EXPECT_EQ(view.info.groups[0], (FakeInfoBox::Group{true, false}));
+  EXPECT_EQ(view.info.groups[2], (FakeInfoBox::Group{true, true}));
+  EXPECT_EQ(view.info.results[0].value, "-12.30");
+  switchGate(2, False16);
+  switchGate(8, True16);
+  EXPECT_EQ(measured(), (Transcript{"GPNMO 1,8"}));
+  EXPECT_EQ(view.info.groups[2], (FakeInfoBox::Group{true, false}));
+  EXPECT_EQ(view.info.groups[8], (FakeInfoBox::Group{true, true}));
+  switchGate(8, False16);
+  EXPECT_EQ(measured(), (Transcript{"PMRDO 1"}));
+  EXPECT_EQ(view.info.groups[8], (FakeInfoBox::Group{false, false}));
+  view.infoBoxOpen = false;
+  EXPECT_EQ(measured(), Transcript{});
+}
+
+TEST_F(AcquisitionPassTest, InfoBoxClosedInTheMiddleOfTheQueriesGetsNoMore) {
+  openInfoBox({1, 2, 3});
+  switchMarkerOn(1);
+  duringReplyTo("GPNMO 1,2", [this] { view.infoBoxOpen = false; });
+  AcquireProfile();
+  EXPECT_EQ(received(),
+            (Transcript{"TR1 1", "PMPBO 1", "GPNMO 1,1", "GPNMO 1,2", "GPNMO 1,3", "MKNO 1,1"}));
+  EXPECT_EQ(view.info.timesShown, 0);
+  EXPECT_EQ(view.picture.timesShown, 1);
+  AcquireProfile();
+  EXPECT_EQ(timesReceived("GPNMO 1,1"), 1);
+}
+
+TEST_F(AcquisitionPassTest, MarkersWindowClosedInTheMiddleOfTheQueriesGetsNoMore) {
+  view.markersOpen = true;
+  switchMarkerOn(1);
+  switchMarkerOn(2);
+  duringReplyTo("MKNO 1,1", [this] { view.markersOpen = false; });
+  AcquireProfile();
+  EXPECT_EQ(timesReceived("MKNO 1,2"), 1);
+  EXPECT_EQ(view.markers.timesShown, 0);
+  EXPECT_EQ(view.picture.timesShown, 1);
+}
+
+TEST_F(AcquisitionPassTest, FailedReadMeasuresNothing) {
+  for (const char* unanswered : {"PMPBO 1", "TR1 1"}) {
+    openInfoBox({2});
+    view.markersOpen = true;
+    switchMarkerOn(1);
+    world.meter.replies.erase(unanswered);
+    AcquireProfile();
+    EXPECT_EQ(timesReceived("GPNMO 1,2"), 0);
+    EXPECT_EQ(timesReceived("PMRDO 1"), 0);
+    EXPECT_EQ(timesReceived("MKNO 1,1"), 0);
+    EXPECT_TRUE(view.info.groups.empty());
+    EXPECT_TRUE(view.markers.enabled.empty());
+  }
+}
+
+TEST_F(AcquisitionPassTest, UnansweredMeasurementShowsTheOldResultsAndThePassGoesOn) {
+  openInfoBox({2});
+  switchMarkerOn(1);
+  AcquireProfile();
+  world.meter.replies.erase("GPNMO 1,2");
+  world.meter.received.clear();
+  AcquireProfile();
+  EXPECT_EQ(received(), (Transcript{"TR1 1", "PMPBO 1", "GPNMO 1,2", "MKNO 1,1"}));
+  EXPECT_EQ(view.info.results[6].value, "-10.50");
+  EXPECT_EQ(view.picture.timesShown, 2);
+  EXPECT_TRUE(world.dialogs.messages.empty());
 }
 
 TEST_F(AcquisitionPassTest, MarkersAreReadBeforeTheyAreDrawn) {

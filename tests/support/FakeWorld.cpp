@@ -5,9 +5,12 @@
 #include "link/GpibCalls.h"
 #include "link/MeterLink.h"
 #include "profile/AcquisitionLoop.h"
+#include "profile/AcquisitionPause.h"
+#include "profile/GraphMouse.h"
 #include "profile/MeasurementSettings.h"
 #include "profile/ParameterEdits.h"
 #include "profile/ProfileGraph.h"
+#include "profile/Readouts.h"
 #include "startup/MeterModel.h"
 
 namespace pulsemod::test {
@@ -22,7 +25,11 @@ FakeWorld::FakeWorld() {
   InitMeasurementSettings();
   ProfileTrace = Trace{};
   SecondProfileTrace = Trace{};
+  AcquisitionPause = AcquisitionPauseState{};
+  GraphMouse = GraphMouseState{};
   PendingEdits = PendingEditFlags{};
+  EditCounts = ParameterEditCounts{};
+  GateReadings.fill(0);
   AcquisitionRequests = 0;
   ProfileReadFailed = false;
   GraphFaultReported = false;

@@ -2,7 +2,7 @@
 #include <unistd.h>
 
 #include <QAction>
-#include <QFontDialog>
+#include <QGroupBox>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -11,6 +11,7 @@
 #include "WindowTest.h"
 #include "profile/AcquisitionLoop.h"
 #include "profile/MeasurementSettings.h"
+#include "profile/Readouts.h"
 #include "support/FakeWorld.h"
 #include "ui/MainWindow.h"
 
@@ -85,8 +86,16 @@ class MainMenuTest : public QObject {
   void displayUpdate();
   void secondProfile();
   void commsAreShown();
+  void infoBoxAndMarkers_data();
+  void infoBoxAndMarkers();
+  void tickFollowsTheWindow_data();
+  void tickFollowsTheWindow();
+  void infoBoxOpensWithTheLastResults();
+  void markersOpenWithTheLastReadings();
+  void shortcutsWorkFromTheReadouts();
   void unloadEndsTheSession();
   void exitEndsTheProcess();
+  void closingEndsTheProcess_data();
   void closingEndsTheProcess();
   void faultOfAHandlerIsReported();
 };
@@ -140,17 +149,16 @@ void MainMenuTest::shortcutsDoNotClash() {
 
 void MainMenuTest::initialStates() {
   Main main;
-  const QSet<QString> off{"menuStop",       "menuOpen",    "menuSave",
-                          "menuProperties", "menuInfoBox", "menuMarkers"};
+  const QSet<QString> off{"menuStop", "menuOpen", "menuSave", "menuProperties"};
+  const QSet<QString> checkItems{"menuSecondProfile", "menudisplayupdate", "menuInfoBox",
+                                 "menuMarkers"};
   int items = 0;
   for (const QAction* action : main.window.findChildren<QAction*>()) {
     if (!action->objectName().startsWith("menu")) continue;
     ++items;
     QCOMPARE(action->isEnabled(), !off.contains(action->objectName()));
     QVERIFY(!action->isChecked());
-    const bool isCheckItem =
-        action->objectName() == "menuSecondProfile" || action->objectName() == "menudisplayupdate";
-    QCOMPARE(action->isCheckable(), isCheckItem);
+    QCOMPARE(action->isCheckable(), checkItems.contains(action->objectName()));
   }
   QCOMPARE(items, 13);
 }
@@ -215,6 +223,137 @@ void MainMenuTest::commsAreShown() {
   QCOMPARE(main.commsShown, 1);
 }
 
+void MainMenuTest::infoBoxAndMarkers_data() {
+  QTest::addColumn<QByteArray>("itemName");
+  QTest::addColumn<QByteArray>("windowName");
+  QTest::newRow("info box") << QByteArray("menuInfoBox") << QByteArray("frmInfo");
+  QTest::newRow("markers") << QByteArray("menuMarkers") << QByteArray("frmMarkers");
+}
+
+void MainMenuTest::infoBoxAndMarkers() {
+  QFETCH(QByteArray, itemName);
+  QFETCH(QByteArray, windowName);
+  Main main;
+  main.window.show();
+  QAction& item = main.item(itemName);
+  // Only the window of this item is open to the readouts.
+  const bool isInfo = windowName == "frmInfo";
+  const auto isOpen = [&] {
+    const bool other =
+        isInfo ? main.window.markersWindow() != nullptr : main.window.infoBox() != nullptr;
+    if (other) return false;
+    return isInfo ? main.window.infoBox() != nullptr : main.window.markersWindow() != nullptr;
+  };
+  QCOMPARE(main.window.findChild<QWidget*>(windowName), nullptr);
+  QVERIFY(!isOpen());
+
+  item.trigger();
+  auto* const window = main.window.findChild<QWidget*>(windowName);
+  QVERIFY(window != nullptr);
+  for (int time = 0; time < 1000; ++time) {
+    QVERIFY(window->isVisible());
+    QVERIFY(item.isChecked());
+    QVERIFY(isOpen());
+    item.trigger();
+    QVERIFY(!window->isVisible());
+    QVERIFY(!item.isChecked());
+    QVERIFY(!isOpen());
+    item.trigger();
+  }
+  QCOMPARE(main.window.findChildren<QWidget*>(windowName), QList<QWidget*>{window});
+  QVERIFY(main.world.meter.received.empty());
+  QVERIFY(main.world.dialogs.messages.empty());
+}
+
+void MainMenuTest::tickFollowsTheWindow_data() { infoBoxAndMarkers_data(); }
+
+void MainMenuTest::tickFollowsTheWindow() {
+  QFETCH(QByteArray, itemName);
+  QFETCH(QByteArray, windowName);
+  Main main;
+  main.window.show();
+  QAction& item = main.item(itemName);
+  item.trigger();
+  auto* const window = main.window.findChild<QWidget*>(windowName);
+  window->close();
+  QVERIFY(!item.isChecked());
+  QCOMPARE(main.window.infoBox(), nullptr);
+  QCOMPARE(main.window.markersWindow(), nullptr);
+  item.trigger();
+  QVERIFY(window->isVisible());
+  QTest::keyClick(window, Qt::Key_Escape);
+  QVERIFY(!item.isChecked());
+  item.trigger();
+  window->setWindowState(Qt::WindowMinimized);
+  QCoreApplication::processEvents();
+  QVERIFY(item.isChecked());
+  QVERIFY(main.window.infoBox() != nullptr || main.window.markersWindow() != nullptr);
+  QVERIFY(main.window.isVisible());
+}
+
+void MainMenuTest::infoBoxOpensWithTheLastResults() {
+  Main main;
+  main.window.show();
+  Settings.MeasurementType = 2;
+  Settings.Gates[1].Enabled = True16;
+  GateReadings[6] = -12.3F;
+  GateReadings[7] = 4.5678F;
+  main.item("menuInfoBox").trigger();
+  const auto text = [&main](const char* name) {
+    return main.window.findChild<QLabel*>(name)->text();
+  };
+  QCOMPARE(text("lblMeasInfo_7"), "Pk");
+  QCOMPARE(text("lblMeasResult_6"), "-12.30");
+  QCOMPARE(text("lblMeasResult_7"), "4.568");
+  QCOMPARE(text("lblMeasUnits_7"), "dBm");
+  QVERIFY(main.window.findChild<QLabel*>("lblMeasResult_8")->isHidden());
+  QVERIFY(main.window.findChild<QGroupBox*>("FrameMeas_1")->isEnabled());
+  QVERIFY(!main.window.findChild<QGroupBox*>("FrameMeas_0")->isEnabled());
+  QVERIFY(!main.window.findChild<QGroupBox*>("FrameMeas_8")->isEnabled());
+  QVERIFY(main.window.findChild<QGroupBox*>("FrameMeas_4")->isHidden());
+
+  main.item("menuInfoBox").trigger();
+  GateReadings[6] = -13.0F;
+  UpdateInfoBox();
+  QCOMPARE(text("lblMeasResult_6"), "-12.30");
+  main.item("menuInfoBox").trigger();
+  QCOMPARE(text("lblMeasResult_6"), "-13.00");
+}
+
+void MainMenuTest::markersOpenWithTheLastReadings() {
+  Main main;
+  main.window.show();
+  Settings.Markers[2].Enabled = True16;
+  Settings.Markers[2].Reading = -34.56789F;
+  Settings.Markers[2].Position = 0.0002F;
+  main.item("menuMarkers").trigger();
+  QCOMPARE(main.window.findChild<QLabel*>("lblMarkerPow_2")->text(), "-34.56789");
+  QCOMPARE(main.window.findChild<QLabel*>("lblMarkerTime_2")->text(), "200us");
+  QVERIFY(main.window.findChild<QGroupBox*>("frameMarker_2")->isEnabled());
+  QVERIFY(!main.window.findChild<QGroupBox*>("frameMarker_3")->isEnabled());
+  QCOMPARE(main.window.findChild<QLabel*>("lblMarkerPow_3")->text(), "");
+}
+
+void MainMenuTest::shortcutsWorkFromTheReadouts() {
+  Main main;
+  main.window.show();
+  main.item("menuInfoBox").trigger();
+  main.item("menuMarkers").trigger();
+  QWidget* info = windowNamed("frmInfo");
+  info->activateWindow();
+  QVERIFY(QTest::qWaitForWindowActive(info));
+  QTest::keyClick(info, Qt::Key_F6);
+  QCOMPARE(main.world.meter.received, Transcript{"TR3"});
+  // The menus of both windows have their own letters.
+  QTest::keyClick(info, Qt::Key_F, Qt::AltModifier);
+  QVERIFY(QApplication::activePopupWidget() != nullptr);
+  QCOMPARE(QApplication::activePopupWidget()->actions().front()->objectName(), "menuOpen");
+  QApplication::activePopupWidget()->close();
+  QTest::keyClick(info, Qt::Key_I, Qt::ControlModifier);
+  QVERIFY(!info->isVisible());
+  QVERIFY(windowNamed("frmMarkers")->isVisible());
+}
+
 void MainMenuTest::unloadEndsTheSession() {
   Main main;
   QVERIFY_EXCEPTION_THROWN(MainWindow::unload(), ProgramEnded);
@@ -229,8 +368,19 @@ void MainMenuTest::exitEndsTheProcess() {
            ExitingEnd::status);
 }
 
+void MainMenuTest::closingEndsTheProcess_data() {
+  QTest::addColumn<bool>("readoutsAreOpen");
+  QTest::newRow("alone") << false;
+  QTest::newRow("with its readouts open") << true;
+}
+
 void MainMenuTest::closingEndsTheProcess() {
+  QFETCH(bool, readoutsAreOpen);
   Main main;
+  if (readoutsAreOpen) {
+    main.item("menuInfoBox").trigger();
+    main.item("menuMarkers").trigger();
+  }
   QCOMPARE(statusOfProcess(main.world, [&main] { main.window.close(); }), ExitingEnd::status);
 }
 

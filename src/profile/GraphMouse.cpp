@@ -1,0 +1,180 @@
+#include "profile/GraphMouse.h"
+
+#include <cmath>
+
+#include "link/Conversation.h"
+#include "link/Fault.h"
+#include "link/TimeText.h"
+#include "profile/AcquisitionPause.h"
+#include "profile/GraphScale.h"
+#include "profile/ProfileGraph.h"
+#include "profile/ProfileView.h"
+#include "startup/WriteMeterConfig.h"
+
+namespace pulsemod {
+
+GraphMouseState GraphMouse;
+
+namespace {
+
+GateSettings& gateOf(const GrabbedEdge& grabbed) {
+  return Settings.Gates[static_cast<std::size_t>(grabbed.gate - 1)];
+}
+
+/// The time of an edge that is one.
+float& timeOf(const GrabbedEdge& grabbed) {
+  GateSettings& gate = gateOf(grabbed);
+  switch (grabbed.edge) {
+    case GateEdge::stop:
+      return gate.StopTime;
+    case GateEdge::fenceStart:
+      return gate.FenceStart;
+    case GateEdge::fenceStop:
+      return gate.FenceStop;
+    case GateEdge::start:
+    case GateEdge::none:
+      break;
+  }
+  return gate.StartTime;
+}
+
+bool isHit(double x, std::int32_t column) { return std::fabs(x - column) <= edgeHitTolerance; }
+
+/// Gates 2 and up of a repeat follow gate 1 and cannot be moved themselves.
+bool followsGateOne() { return Settings.RepeatEnabled != False16 && GraphMouse.Grabbed.gate != 1; }
+
+/// Gates that were hidden since the last hover test cannot be grabbed.
+void releaseHiddenEdge() {
+  if (Settings.GatesVisible == False16) GraphMouse.Grabbed = {};
+}
+
+void moveGrabbedEdge(double x) {
+  const float seconds = GraphXToTime(static_cast<float>(x));
+  if (edgeMayMoveTo(GraphMouse.Grabbed, seconds)) timeOf(GraphMouse.Grabbed) = seconds;
+  ExpandRepeatGates();
+  PositionGateLines();
+}
+
+void showEdgeLabel(PicturePoint pointer, const PictureScale& scale) {
+  ProfileView& view = profileView();
+  const bool dragging = GraphMouse.Dragging != False16;
+  view.setEdgeLabelCaption((dragging ? "* " : "") + edgeCaption(GraphMouse.Grabbed));
+  view.showEdgeLabel(edgeLabelPlace(pointer, view.edgeLabelSize(), scale));
+}
+
+void followPointer(PicturePoint pointer) {
+  ProfileView& view = profileView();
+  releaseHiddenEdge();
+  if (GraphMouse.Dragging == False16 && Settings.GatesVisible != False16) {
+    GraphMouse.Grabbed = edgeAt(pointer.x);
+  }
+  if (followsGateOne()) GraphMouse.Dragging = False16;
+  const bool grabbed = GraphMouse.Grabbed.gate != 0;
+  view.setSizingPointer(grabbed && !followsGateOne());
+  if (!grabbed) {
+    view.hideEdgeLabel();
+    return;
+  }
+  // First, so that no edge moves on a graph that cannot be drawn.
+  const PictureScale scale = profileGraphScale();
+  if (GraphMouse.Dragging != False16) moveGrabbedEdge(pointer.x);
+  showEdgeLabel(pointer, scale);
+}
+
+}  // namespace
+
+GrabbedEdge edgeAt(double x) {
+  GrabbedEdge found;
+  for (std::size_t index = 0; index < gateCount; ++index) {
+    const GateSettings& gate = Settings.Gates[index];
+    const auto number = static_cast<std::int16_t>(index + 1);
+    if (gate.FenceEnabled != False16) {
+      if (isHit(x, gate.FenceStartX)) found = {GateEdge::fenceStart, number};
+      if (isHit(x, gate.FenceStopX)) found = {GateEdge::fenceStop, number};
+    }
+    if (gate.Enabled != False16) {
+      if (isHit(x, gate.StartX)) found = {GateEdge::start, number};
+      if (isHit(x, gate.StopX)) found = {GateEdge::stop, number};
+    }
+  }
+  return found;
+}
+
+bool edgeMayMoveTo(const GrabbedEdge& grabbed, float seconds) {
+  if (grabbed.gate == 0) return false;
+  const GateSettings& gate = gateOf(grabbed);
+  const bool fenced = gate.FenceEnabled != False16;
+  switch (grabbed.edge) {
+    case GateEdge::start:
+      return seconds > Settings.TriggerDelay && seconds < gate.StopTime &&
+             (!fenced || seconds < gate.FenceStart);
+    case GateEdge::stop:
+      return seconds > gate.StartTime && seconds < graphStopTime() &&
+             (!fenced || seconds > gate.FenceStop);
+    case GateEdge::fenceStart:
+      return seconds > gate.StartTime && seconds < gate.FenceStop;
+    case GateEdge::fenceStop:
+      return seconds > gate.FenceStart && seconds < gate.StopTime;
+    case GateEdge::none:
+      break;
+  }
+  return false;
+}
+
+std::string edgeCaption(const GrabbedEdge& grabbed) {
+  const bool ofFence = grabbed.edge == GateEdge::fenceStart || grabbed.edge == GateEdge::fenceStop;
+  const bool atStart = grabbed.edge == GateEdge::start || grabbed.edge == GateEdge::fenceStart;
+  return (ofFence ? "Fence " : "Gate ") + std::to_string(grabbed.gate) +
+         (atStart ? " Start " : " Stop ") + FormatTime(timeOf(grabbed));
+}
+
+PicturePoint edgeLabelPlace(PicturePoint pointer, const PictureSize& label,
+                            const PictureScale& scale) {
+  PicturePoint place{pointer.x, pointer.y - label.height};
+  if (place.x + label.width > scale.width) place.x = scale.width - label.width;
+  const bool passesBottom = place.y - label.height - scale.top < scale.height;
+  if (passesBottom) place.y = pointer.y + 2 * label.height;
+  return place;
+}
+
+void GraphButtonDown() {
+  if (GraphMouse.ButtonDown != False16) return;
+  GraphMouse.ButtonDown = True16;
+  PauseAcquisition();
+  GraphMouse.Dragging = True16;
+  releaseHiddenEdge();
+  ProfileView& view = profileView();
+  view.setEdgeLabelCaption("* " + view.edgeLabelCaption());
+}
+
+void GraphMouseMove(PicturePoint pointer) {
+  try {
+    followPointer(pointer);
+  } catch (const Fault& fault) {
+    profileView().hideEdgeLabel();
+    reportGraphFaultOnce(fault);
+  }
+}
+
+void GraphMouseLeave() {
+  if (GraphMouse.ButtonDown != False16) return;
+  profileView().hideEdgeLabel();
+  profileView().setSizingPointer(false);
+}
+
+void GraphButtonUp() {
+  if (GraphMouse.ButtonDown == False16) return;
+  const GrabbedEdge released = GraphMouse.Grabbed;
+  const bool writes = GraphMouse.Dragging != False16 && released.gate != 0 && !followsGateOne();
+  ProfileView& view = profileView();
+  view.setSizingPointer(false);
+  GraphMouse.ButtonDown = False16;
+  view.hideEdgeLabel();
+  ResumeAcquisition();
+  GraphMouse.Dragging = False16;
+  if (!writes) return;
+  whenLinkIsFree(
+      [released] { WriteGateConfig(released.gate, static_cast<GateTime>(released.edge)); });
+}
+
+}  // namespace pulsemod
