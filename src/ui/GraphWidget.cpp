@@ -5,6 +5,7 @@
 #include <QFontMetrics>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QTimer>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -101,10 +102,7 @@ bool GraphWidget::eventFilter(QObject* watched, QEvent* event) {
   return QWidget::eventFilter(watched, event);
 }
 
-void GraphWidget::endPressLater() {
-  QMetaObject::invokeMethod(
-      this, [this] { endPress(); }, Qt::QueuedConnection);
-}
+void GraphWidget::endPressLater() { QTimer::singleShot(0, this, &GraphWidget::endPress); }
 
 void GraphWidget::mousePressEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton || !mouse_.press) {

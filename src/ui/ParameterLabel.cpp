@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QTimer>
 
 #include "ui/Look.h"
 
@@ -29,9 +30,7 @@ class AccessibleParameterLabel : public QAccessibleWidget {
       return;
     }
     // Later, since the caller waits for this call to return, and a click may open a box.
-    ParameterLabel* label = &label_;
-    QMetaObject::invokeMethod(
-        label, [label] { label->click(); }, Qt::QueuedConnection);
+    QTimer::singleShot(0, &label_, &ParameterLabel::click);
   }
 
  private:
