@@ -20,6 +20,8 @@ void requireCaptureTime() {
 // Times enter the arithmetic through their decimal texts: with the bare singles, a time that is a
 // round number of points, or an edge of the graph, would land just beside its column.
 
+bool graphHasTimeAxis() { return Settings.CaptureTime != 0 && Settings.DisplayPoints != 0; }
+
 float TimeToGraphX(float seconds) {
   const double points = Settings.DisplayPoints;
   if (points == 0) throw Fault("Division by zero: the graph has no points");

@@ -9,6 +9,9 @@ namespace pulsemod {
 
 inline constexpr int graphDivisions = 10;
 
+/// Times have a place on the graph: it has a capture time and points.
+bool graphHasTimeAxis();
+
 /// Time in seconds to graph x, clamped to 0 ... `DisplayPoints`. So the trigger delay itself lies
 /// at x = 0, one point left of the visible edge. A capture time or a number of points of zero is a
 /// `Fault`.

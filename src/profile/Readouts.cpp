@@ -56,11 +56,12 @@ void readMarker(std::size_t index) {
   const auto reading = leadingSingle(SplitReply(reply, readingField));
   const auto position = leadingSingle(positionText);
   if (!reading || !position) return;
-  const auto column = static_cast<std::int16_t>(std::nearbyint(TimeToGraphX(*position)));
   MarkerSettings& marker = Settings.Markers[index];
   marker.Reading = *reading;
   marker.Position = *position;
-  marker.PositionX = column;
+  // A graph without a time axis is reported when it is drawn.
+  if (!graphHasTimeAxis()) return;
+  marker.PositionX = static_cast<std::int16_t>(std::nearbyint(TimeToGraphX(*position)));
 }
 
 void showGroup(InfoBoxView& view, std::size_t group) {

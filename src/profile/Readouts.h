@@ -39,8 +39,8 @@ void ReadGateMeasurements(GateMeasurementMode mode);
 GateMeasurementMode presentGateMeasurementMode();
 
 /// Reads the power and the position of each marker 1 to 4 that is on (MKNO), and its graph column.
-/// A failed query, and a reply that ends before the position, leave the marker as it was. The delta
-/// marker is not read.
+/// A failed query, and a reply that ends before the position, leave the marker as it was; a
+/// graph without a time axis leaves its column. The delta marker is not read.
 void ReadMarkerReadings();
 
 /// Names, values and units into `frmInfo`, if it is open. The frames of the meter's own gates are

@@ -368,6 +368,15 @@ TEST_F(AcquisitionPassTest, FaultIsToldOnceAndStopsTheAcquisition) {
   expectOneBox("Division by zero: the capture time is 0");
 }
 
+TEST_F(AcquisitionPassTest, EditThatLeavesNoTimeAxisIsToldOnceAlthoughAMarkerIsOn) {
+  switchMarkerOn(1);
+  world.meter.replies["TRCAPT? 1,PMOD"] = "TRCAPT 1,PMOD,0";
+  PendingEdits.CaptureTime = True16;
+  AcquireProfile();
+  expectOneBox("Division by zero: the capture time is 0");
+  EXPECT_EQ(AcquisitionRunning, False16);
+}
+
 TEST_F(AcquisitionPassTest, DrawingFaultIsToldOnceAndStopsTheAcquisition) {
   AcquireProfile();
   Settings.DisplayPoints = 500;
