@@ -24,11 +24,14 @@ namespace robot {
 
 namespace {
 
-/// Far enough apart that two clicks are never a double click.
+/// Far enough apart that two clicks are never a double click; a million clicks later they begin
+/// anew.
 int nextTimestamp() {
   static int timestamp = 0;
   constexpr int apartMs = 2000;
-  return timestamp += apartMs;
+  constexpr int last = 2'000'000'000;
+  timestamp = timestamp < last ? timestamp + apartMs : apartMs;
+  return timestamp;
 }
 
 void pressKey(QWidget* widget, int key, Qt::KeyboardModifiers modifiers, const QString& text) {

@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QString>
 #include <QWindow>
+#include <algorithm>
 #include <array>
 
 #include "Eyes.h"
@@ -77,6 +78,11 @@ void Robot::readRequests() {
       answer("no", outcome.text + "\nwindows on the screen:\n" + visibleWindows().toStdString());
       continue;
     }
+    if (request[0] == "give-up-at" && request.size() > 1) {
+      giveUpAt_ = request[1];
+      answer("ok", {});
+      continue;
+    }
     const Verb* const verb = findVerb(request[0]);
     if (verb == nullptr || request.size() <= verb->arguments) {
       answer("no", "not a request");
@@ -93,12 +99,25 @@ void Robot::attempt() {
   attempting_ = true;
   Outcome outcome = handler_(request_);
   attempting_ = false;
+  if (outcome.kind == Outcome::Kind::later && !outcome.action && hasToGiveUp()) {
+    outcome = {Outcome::Kind::refused, giveUpAt_ + " is in the way", {}};
+  }
   if (outcome.action) {
     actions_.push_back(std::move(outcome.action));
     QCoreApplication::postEvent(this, new QEvent(QEvent::User));
   }
   if (outcome.kind == Outcome::Kind::done) answer("ok", outcome.text);
   if (outcome.kind == Outcome::Kind::refused) answer("no", outcome.text);
+}
+
+bool Robot::hasToGiveUp() const {
+  if (giveUpAt_.empty()) return false;
+  const bool isMeant = std::any_of(
+      request_.begin(), request_.end(),
+      [this](const std::string& field) { return field.find(giveUpAt_) != std::string::npos; });
+  if (isMeant) return false;
+  const QWidget* const window = findWidget(QString::fromStdString(giveUpAt_));
+  return window != nullptr && window->isVisible();
 }
 
 void Robot::customEvent(QEvent* /*event*/) {

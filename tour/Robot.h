@@ -59,6 +59,8 @@ class Robot : public QObject {
   /// Carries out the oldest of `actions_`.
   void customEvent(QEvent* event) override;
   void answer(const char* how, const std::string& text);
+  /// A window that ends all waiting stands on the screen.
+  bool hasToGiveUp() const;
 
   int socket_;
   QSocketNotifier notifier_;
@@ -66,6 +68,7 @@ class Robot : public QObject {
   Fields request_;
   Handler handler_ = nullptr;
   bool attempting_ = false;
+  std::string giveUpAt_;
   /// Input that is to be delivered, one event of its own for each.
   std::deque<std::function<void()>> actions_;
 };

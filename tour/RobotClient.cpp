@@ -48,9 +48,11 @@ std::string RobotClient::ask(const Fields& request) {
     }
   }
   std::string text = reply.size() > 1 ? reply[1] : std::string();
-  if (reply[0] != "ok") throw RobotError(what + text);
+  if (reply[0] != "ok") throw RobotRefusal(what + text);
   return text;
 }
+
+void RobotClient::giveUpAt(const std::string& window) { ask({"give-up-at", window}); }
 
 std::string RobotClient::get(const std::string& name, const std::string& property) {
   return ask({"get", name, property});

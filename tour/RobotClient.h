@@ -14,6 +14,12 @@ class RobotError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// The robot answered that it could not; the program itself is well.
+class RobotRefusal : public RobotError {
+ public:
+  using RobotError::RobotError;
+};
+
 /// A script's hands and eyes: works the windows of a program through the robot inside it.
 ///
 /// A control is named by its object name, `frmMain/menuStart` where two windows have one of that
@@ -29,6 +35,10 @@ class RobotClient {
   RobotClient& operator=(const RobotClient&) = delete;
 
   void setLimit(std::chrono::milliseconds limit) { limit_ = limit; }
+
+  /// Whatever has to wait is refused as soon as a window of this name is on the screen, unless it
+  /// names that window itself. No name: nothing is refused.
+  void giveUpAt(const std::string& window);
 
   /// Any property of Qt's; also `place` ("x y width height" within the window) and `exists`. A
   /// control that does not exist is not visible; asking for anything else of it waits for it.

@@ -113,4 +113,13 @@ double Process::processorSeconds() const {
   return (user + system) / static_cast<double>(::sysconf(_SC_CLK_TCK));
 }
 
+long Process::residentKilobytes() const {
+  std::ifstream file("/proc/" + std::to_string(pid_) + "/status");
+  const std::string name = "VmRSS:";
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with(name)) return std::stol(line.substr(name.size()));
+  }
+  return 0;
+}
+
 }  // namespace endtoend

@@ -31,6 +31,8 @@ class Process {
   void kill();
   /// Seconds of processor time that it has used so far.
   double processorSeconds() const;
+  /// Memory that it occupies at present.
+  long residentKilobytes() const;
 
   /// How it ended: its exit status, or 128 and the signal's number. Nothing when it still runs
   /// after the limit.
