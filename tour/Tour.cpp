@@ -1,5 +1,6 @@
 #include "Tour.h"
 
+#include <sstream>
 #include <utility>
 
 namespace tour {
@@ -11,6 +12,9 @@ void Tour::walk() {
   chooseLink();
   loadFromMeter();
   watchProfile();
+  dragGate();
+  editLabel();
+  readMeasurements();
   openMenus();
   chooseFont();
   editLinkSettings();
@@ -61,6 +65,57 @@ void Tour::watchProfile() {
 
 void Tour::awaitProfile() {
   hands_.waitWhile("frmMain/lblgraphspeed", "text", "Profile/Second: 0.00");
+}
+
+void Tour::moveOnGraph(const std::string& step, double share) {
+  constexpr auto graph = "frmMain/GraphPic";
+  std::istringstream place(hands_.get(graph, "place"));
+  int x = 0;
+  int y = 0;
+  int width = 0;
+  int height = 0;
+  place >> x >> y >> width >> height;
+  hands_.mouse(step, graph, static_cast<int>(share * width), height / 2);
+}
+
+/// Gate 1 begins and ends at these shares of the graph: 0.05 and 0.55 ms, of 2 ms from -0.2 ms on.
+void Tour::dragGate() {
+  constexpr double gateStart = 0.125;
+  constexpr double gateStop = 0.375;
+  moveOnGraph("move", gateStart);
+  takePicture("over-an-edge", "lblgate");
+  moveOnGraph("press", gateStart);
+  moveOnGraph("move", gateStart / 4);
+  takePicture("dragging-at-the-left", "lblgate");
+  moveOnGraph("release", gateStart / 4);
+  hands_.waitGone("lblgate");
+  moveOnGraph("move", gateStop);
+  moveOnGraph("press", gateStop);
+  moveOnGraph("move", 0.98);
+  takePicture("dragging-at-the-right", "lblgate");
+  moveOnGraph("move", gateStop);
+  moveOnGraph("release", gateStop);
+  hands_.waitGone("lblgate");
+}
+
+void Tour::editLabel() {
+  hands_.click("frmMain/lblRef");
+  takePicture("edit-reference", "QInputDialog");
+  hands_.key("QInputDialog", "Escape");
+  hands_.waitGone("QInputDialog");
+}
+
+void Tour::readMeasurements() {
+  hands_.trigger("frmMain/menuInfoBox");
+  hands_.waitVisible("frmInfo");
+  hands_.trigger("frmMain/menuMarkers");
+  hands_.waitVisible("frmMarkers");
+  hands_.waitWhile("frmMarkers/lblMarkerPow_0", "text", "");
+  takePicture("info-box-and-markers", "frmMarkers");
+  hands_.trigger("frmMain/menuInfoBox");
+  hands_.trigger("frmMain/menuMarkers");
+  hands_.waitGone("frmInfo");
+  hands_.waitGone("frmMarkers");
 }
 
 void Tour::openMenus() {

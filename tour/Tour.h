@@ -29,10 +29,16 @@ class Tour {
   void loadFromMeter();
   void watchProfile();
   void awaitProfile();
+  void dragGate();
+  void editLabel();
+  void readMeasurements();
   void openMenus();
   void chooseFont();
   void editLinkSettings();
   void shrinkWindow();
+
+  /// A step of the mouse on the graph; `share` counts from its left edge to its right one.
+  void moveOnGraph(const std::string& step, double share);
 
   /// All windows on the screen, as soon as `shown` is one of them.
   void takePicture(const std::string& title, const std::string& shown);
