@@ -15,7 +15,7 @@ LAYERS = {
     "platform": ([r"platform/.*"], []),
     "link": ([r"link/.*"], ["platform"]),
     "model": (
-        [r"profile/(MeasurementSettings|GraphScale|ProfileParameters)\..*"],
+        [r"profile/(AcquisitionControl|GraphFault|GraphScale|MeasurementSettings|ProfileParameters)\..*"],
         ["link", "platform"],
     ),
     "ccdf": ([r"ccdf/.*"], ["model", "link", "platform"]),

@@ -1,5 +1,7 @@
 #include "link/ReplyText.h"
 
+#include <algorithm>
+
 namespace pulsemod {
 
 std::string_view trimmed(std::string_view text) {
@@ -19,6 +21,15 @@ std::string SplitReply(std::string_view reply, int field) {
     rest.remove_prefix(position + 1);
   }
   return std::string(trimmed(rest.substr(0, rest.find(','))));
+}
+
+bool walkClosedFields(std::string_view text, const std::function<bool(std::string_view)>& take) {
+  while (!text.empty()) {
+    const std::size_t fieldEnd = std::min(text.find(','), text.size() - 1);
+    if (!take(text.substr(0, fieldEnd))) return false;
+    text.remove_prefix(fieldEnd + 1);
+  }
+  return true;
 }
 
 }  // namespace pulsemod

@@ -1,14 +1,13 @@
 #include "profile/AcquisitionLoop.h"
 
 #include <algorithm>
-#include <string>
+#include <cstdint>
 
 #include "link/Conversation.h"
 #include "link/Fault.h"
 #include "link/MeterLink.h"
-#include "link/NumberText.h"
 #include "platform/Services.h"
-#include "profile/AcquisitionPause.h"
+#include "profile/AcquisitionControl.h"
 #include "profile/MeasurementSettings.h"
 #include "profile/ParameterEdits.h"
 #include "profile/ProfileGraph.h"
@@ -19,34 +18,13 @@
 
 namespace pulsemod {
 
-std::uint32_t AcquisitionRequests = 0;
 bool ProfileReadFailed = false;
 
 namespace {
 
-void showRate(float start) {
-  const float elapsed = onDayOf(start, services().clock.secondsSinceMidnight()) - start;
-  // The clock's steps are longer than a fast pass late in the day: no rate can be told then.
-  if (elapsed <= 0) return;
-  profileView().showRate("Profile/Second: " + fixedText(1.0 / static_cast<double>(elapsed), 1, 2),
-                         "Update speed of the GPIB, not the update speed of this display");
-}
-
 bool aMarkerIsOn() {
   return std::any_of(Settings.Markers.begin(), Settings.Markers.begin() + deltaMarker,
                      [](const MarkerSettings& marker) { return marker.Enabled != False16; });
-}
-
-void letEventsRun() {
-  constexpr int pauseAfterFailureMs = 10;
-  EventQueue& events = services().events;
-  if (AcquisitionRunning == False16) {
-    events.processUntilEvent();
-  } else if (ProfileReadFailed) {
-    events.processUntilEventOr(pauseAfterFailureMs);
-  } else {
-    events.processPending();
-  }
 }
 
 void acquire() {
@@ -55,7 +33,7 @@ void acquire() {
   CarryOutPendingEdits();
   if (linkIsLost()) throw Fault(linkFailureReason());
   if (ProfileReadFailed) return;
-  showRate(start);
+  if (const auto rate = rateText(start)) profileView().showRate(*rate, rateToolTip);
   if (profileView().infoBox() != nullptr) {
     ReadGateMeasurements(presentGateMeasurementMode());
     UpdateInfoBox();
@@ -100,7 +78,7 @@ void RunAcquisitionLoop() {
 }
 
 void AcquireProfile() {
-  letEventsRun();
+  letEventsRun(ProfileReadFailed);
   if (AcquisitionRunning == False16) return;
   try {
     converse(acquire);

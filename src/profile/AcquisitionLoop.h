@@ -1,12 +1,6 @@
 #pragma once
 
-#include <cstdint>
-
 namespace pulsemod {
-
-/// Counts the starts and stops that the user asked for. A start whose exchange finds the count
-/// moved on was overtaken by a stop or another start, and does not set `AcquisitionRunning`.
-extern std::uint32_t AcquisitionRequests;
 
 /// The last pass read no profile. Written by `AcquireProfile`.
 extern bool ProfileReadFailed;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 #include "link/Fault.h"
 #include "link/NumberText.h"
@@ -16,6 +17,15 @@ void requireCaptureTime() {
 }
 
 }  // namespace
+
+std::size_t drawnPoints() {
+  const std::int16_t points = Settings.DisplayPoints;
+  if (points < 1 || static_cast<std::size_t>(points) > tracePoints) {
+    throw Fault("Subscript out of range: a profile has 1 to 400 points, not " +
+                std::to_string(points));
+  }
+  return static_cast<std::size_t>(points);
+}
 
 // Times enter the arithmetic through their decimal texts: with the bare singles, a time that is a
 // round number of points, or an edge of the graph, would land just beside its column.

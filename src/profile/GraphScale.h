@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 #include "platform/Picture.h"
 
 /// The profile graph's coordinates: x counts trace points (left edge 1, width `DisplayPoints`), y
@@ -8,6 +10,9 @@
 namespace pulsemod {
 
 inline constexpr int graphDivisions = 10;
+
+/// How many points of a trace or curve are drawn. Display points outside 1 to 400 are a `Fault`.
+std::size_t drawnPoints();
 
 /// Times have a place on the graph: it has a capture time and points.
 bool graphHasTimeAxis();

@@ -3,30 +3,18 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <functional>
 #include <string>
 
 #include "link/Fault.h"
 #include "link/NumberText.h"
 #include "link/TimeText.h"
+#include "profile/GraphFault.h"
 #include "profile/GraphScale.h"
 #include "profile/MeasurementSettings.h"
 
 namespace pulsemod {
 
-bool GraphFaultReported = false;
-
 namespace {
-
-/// How many points of a trace are drawn.
-std::size_t drawnPoints() {
-  const std::int16_t points = Settings.DisplayPoints;
-  if (points < 1 || static_cast<std::size_t>(points) > tracePoints) {
-    throw Fault("Subscript out of range: a profile has 1 to 400 points, not " +
-                std::to_string(points));
-  }
-  return static_cast<std::size_t>(points);
-}
 
 void drawTrace(const Trace& trace, Colour colour) {
   std::array<PicturePoint, tracePoints> points{};
@@ -60,28 +48,9 @@ std::int32_t column(float seconds) {
   return static_cast<std::int32_t>(std::nearbyint(TimeToGraphX(seconds)));
 }
 
-/// Runs a drawing; a fault in it is shown to the user unless that was done already.
-bool drawOrReportOnce(const std::function<void()>& drawing) {
-  try {
-    drawing();
-    GraphFaultReported = false;
-    return true;
-  } catch (const Fault& fault) {
-    reportGraphFaultOnce(fault);
-    return false;
-  }
-}
-
 std::string decibels(float value) { return fixedText(static_cast<double>(value), 2, 2); }
 
 }  // namespace
-
-void reportGraphFaultOnce(const Fault& fault) {
-  if (GraphFaultReported) return;
-  // First, since the box lets windows be resized, and a resize draws.
-  GraphFaultReported = true;
-  reportFault(fault.what());
-}
 
 void DrawGraphGrid() {
   const PictureScale scale = profileGraphScale();
@@ -148,13 +117,13 @@ void RedrawProfile() {
 
 bool RefreshPicture() { return drawOrReportOnce(RedrawProfile); }
 
-bool RefreshGraph() {
-  return drawOrReportOnce([] {
-    DrawGraphGrid();
-    UpdateGraphLabels();
-    RedrawProfile();
-    PositionGateLines();
-  });
+void DrawGraph() {
+  DrawGraphGrid();
+  UpdateGraphLabels();
+  RedrawProfile();
+  PositionGateLines();
 }
+
+bool RefreshGraph() { return drawOrReportOnce(DrawGraph); }
 
 }  // namespace pulsemod

@@ -10,21 +10,11 @@
 
 namespace pulsemod {
 
-class Fault;
-
 inline constexpr Colour gridColour{200, 200, 200};
 inline constexpr Colour liveTraceColour{255, 255, 0};
 inline constexpr Colour secondProfileColour{0, 255, 100};
 inline constexpr Colour activeMarkerColour{255, 0, 0};
 inline constexpr Colour markerColour{0, 255, 255};
-
-/// The drawing could not be done with the present settings and the user has been told; told again
-/// only after it could be done in between. Written by `RefreshPicture`, `RefreshGraph` and
-/// `reportGraphFaultOnce`.
-extern bool GraphFaultReported;
-
-/// Tells the user why the graph cannot be drawn or computed, unless that was done already.
-void reportGraphFaultOnce(const Fault& fault);
 
 /// Clears the picture, sets its user scale and draws the grid of 10 by 10 divisions.
 void DrawGraphGrid();
@@ -50,8 +40,11 @@ void RedrawProfile();
 /// when there was a fault.
 bool RefreshPicture();
 
-/// As `RefreshPicture`, with labels and gate lines: for everything that changed outside the
-/// acquisition loop (a resize, a configuration read) or by an edit.
+/// `RedrawProfile` with labels and gate lines: for everything that changed outside the acquisition
+/// loop (a resize, a configuration read) or by an edit.
+void DrawGraph();
+
+/// `DrawGraph`, with a fault reported as in `RefreshPicture`.
 bool RefreshGraph();
 
 }  // namespace pulsemod

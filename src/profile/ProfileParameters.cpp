@@ -12,6 +12,15 @@ void SendParameter(const ProfileParameter& parameter, float value) {
               numberText(value));
 }
 
+// Some commands have a blank after the comma and some have none.
+void SelectPulseMode() {
+  const std::string channel = ChannelText();
+  SendCommand("CHDISPN 1");
+  SendCommand("CHACTIV " + channel);
+  SendCommand("CHMODE " + channel + ", PMOD");
+  SendCommand("CHCFG " + channel + ", " + InputConfigText());
+}
+
 bool QueryParameter(const ProfileParameter& parameter, float& value) {
   constexpr int valueField = 2;
   std::string reply;

@@ -28,6 +28,9 @@ inline constexpr ProfileParameter scaleParameter{"PMPSCAL", "DB",
 /// Sends `value`, as in "TRCAPT 1,PMOD,0.0046".
 void SendParameter(const ProfileParameter& parameter, float value);
 
+/// Makes the active channel the meter's, in pulse mode and with its input configuration.
+void SelectPulseMode();
+
 /// Queries the meter's value, as in "TRCAPT? 1,PMOD", into `value`. False, with `value` as it was,
 /// when the query failed or the number does not fit; text that is no number reads as 0.
 bool QueryParameter(const ProfileParameter& parameter, float& value);

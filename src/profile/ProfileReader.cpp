@@ -8,6 +8,7 @@
 
 #include "link/MeterLink.h"
 #include "link/NumberText.h"
+#include "link/ReplyText.h"
 #include "link/Session.h"
 #include "profile/ProfileParameters.h"
 
@@ -98,12 +99,8 @@ std::optional<DecodedProfile> decodeTextProfile(std::string_view reply) {
   DecodedProfile profile;
   profile.statedPoints = *points;
   rest.remove_prefix(countEnd + 1);
-  while (!rest.empty()) {
-    // A comma closes a field, and so does the last character, whatever it is.
-    const std::size_t fieldEnd = std::min(rest.find(','), rest.size() - 1);
-    if (!appendValue(rest.substr(0, fieldEnd), profile)) return std::nullopt;
-    rest.remove_prefix(fieldEnd + 1);
-  }
+  const auto append = [&profile](std::string_view field) { return appendValue(field, profile); };
+  if (!walkClosedFields(rest, append)) return std::nullopt;
   return profile;
 }
 

@@ -2,6 +2,11 @@
 
 #include <functional>
 
+#include "ccdf/CCDFConfig.h"
+#include "ccdf/CCDFCursor.h"
+#include "ccdf/CCDFLoop.h"
+#include "ccdf/MeasurementSource.h"
+#include "ccdf/PowerAxis.h"
 #include "link/CommsSettings.h"
 #include "link/Conversation.h"
 #include "link/Fault.h"
@@ -19,34 +24,20 @@ namespace pulsemod {
 
 namespace {
 
+/// A meter over RS232 that has been silent for so long can be given up.
+constexpr int patienceMs = 2000;
+
 void readOrAskCommsSettings(StartUpView& view) {
   if (ReadCommsSettings()) return;
   view.showCommsOptions();
   SaveCommsSettings();
 }
 
-void announceLaterCourse(const std::string& course) {
-  services().dialogs.showMessage("\"" + course + "\" is not part of this version yet.",
-                                 "Pelmora PulseMod", MessageIcon::information,
-                                 "Please choose another way to begin.");
-}
-
 StartChoice askUntilDecided(StartUpView& view) {
   while (true) {
     const StartChoice choice = view.askHowToBegin();
-    switch (choice) {
-      case StartChoice::openCommsOptions:
-        view.showCommsOptions();
-        break;
-      case StartChoice::ccdfMode:
-        announceLaterCourse("CCDF Mode");
-        break;
-      case StartChoice::configureMeter:
-      case StartChoice::loadFromMeter:
-      case StartChoice::exitProgram:
-      case StartChoice::justStart:
-        return choice;
-    }
+    if (choice != StartChoice::openCommsOptions) return choice;
+    view.showCommsOptions();
   }
 }
 
@@ -60,7 +51,6 @@ void openLink() {
 /// Enables the meter's error reports (command, execution and device errors) and asks who it is. A
 /// meter that keeps silent over RS232 is waited for until the user closes `frmPleaseWait`.
 bool queryIdentity(std::string& identity) {
-  constexpr int patienceMs = 2000;
   Progress& progress = services().progress;
   progress.showAfter(patienceMs, "Please Wait... Reading Power Meter Identity...");
   WaitOperationComplete("*CLS; *ESE 56");
@@ -97,6 +87,25 @@ void shareConfiguration(const std::string& course, const std::function<void()>& 
   EndSession();
 }
 
+void shareCCDFSettings() {
+  ConfigureCCDF();
+  Progress& progress = services().progress;
+  progress.showAfter(patienceMs, "Please Wait... Reading CCDF Settings...");
+  reportFaults(ReadCCDFSettings);
+  progress.hide();
+}
+
+[[noreturn]] void runCCDFMode(StartUpView& view) {
+  view.prepareCCDFWindow();
+  shareConfiguration("CCDF Mode", shareCCDFSettings);
+  ReplyMayBeGivenUp = false;
+  view.showCCDFWindow(versionCaption());
+  UpdatePowerLabels();
+  UpdateCursorLabels();
+  ShowMeasurementSource();
+  RunCCDFLoop();
+}
+
 }  // namespace
 
 std::string versionCaption() {
@@ -117,6 +126,7 @@ void StartUp(StartUpView& view) {
     openLink();
     identifyMeter();
   });
+  if (choice == StartChoice::ccdfMode) runCCDFMode(view);
   if (choice == StartChoice::configureMeter) {
     shareConfiguration("Configure Power Meter", WriteMeterConfig);
   } else if (choice == StartChoice::loadFromMeter) {

@@ -17,14 +17,6 @@ namespace {
 // The separators are part of the protocol: some commands have a blank after the comma and some have
 // none.
 
-void writeChannel() {
-  const std::string channel = ChannelText();
-  SendCommand("CHDISPN 1");
-  SendCommand("CHACTIV " + channel);
-  SendCommand("CHMODE " + channel + ", PMOD");
-  SendCommand("CHCFG " + channel + ", " + InputConfigText());
-}
-
 void writeParameter(const ProfileParameter& parameter) {
   SendParameter(parameter, Settings.*parameter.value);
 }
@@ -107,7 +99,7 @@ void WriteRepeatConfig() {
 void WriteMeterConfig() {
   StopStatisticsAcquisition();
   const ConfigProgress progress("Configuring...Channel");
-  writeChannel();
+  SelectPulseMode();
   writePulseMode(progress);
   writeGates(progress);
   writeMarkers(progress);

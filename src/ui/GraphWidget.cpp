@@ -60,10 +60,20 @@ GraphWidget::GraphWidget(QWidget* parent)
   setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
-void GraphWidget::placeGateLines(const GateLineArray& lines) {
-  if (lines == gateLines_) return;
-  gateLines_ = lines;
+void GraphWidget::placeLines(std::vector<VerticalLine> lines) {
+  if (lines == lines_) return;
+  lines_ = std::move(lines);
   update();
+}
+
+void GraphWidget::setSizingPointer(bool sizing) {
+  // At each move of the mouse, and the window system would be told each time.
+  if (sizing == testAttribute(Qt::WA_SetCursor)) return;
+  if (sizing) {
+    setCursor(Qt::SizeHorCursor);
+  } else {
+    unsetCursor();
+  }
 }
 
 void GraphWidget::setMouseHandlers(GraphMouseHandlers handlers) {
@@ -166,7 +176,7 @@ void GraphWidget::paintEvent(QPaintEvent* /*event*/) {
   painter.scale(1 / ratio_, 1 / ratio_);
   painter.drawPixmap(0, 0, background_);
   paintSteps(painter, scale, drawing.backgroundSteps, drawing.steps.size());
-  paintGateLines(painter, scale, deviceSize.height());
+  paintLines(painter, scale, deviceSize);
 }
 
 void GraphWidget::prepareBackground(const QSize& deviceSize) {
@@ -256,22 +266,22 @@ void GraphWidget::paintText(QPainter& painter, const DeviceScale& scale, const D
   painter.setWorldTransform(devicePixels);
 }
 
-void GraphWidget::paintGateLines(QPainter& painter, const DeviceScale& scale, int height) {
+void GraphWidget::paintLines(QPainter& painter, const DeviceScale& scale, const QSize& surface) {
   constexpr int dash = 7;
   constexpr int gap = 5;
-  for (std::size_t index = 0; index < gateLines_.size(); ++index) {
-    if (!gateLines_[index].visible) continue;
+  for (const VerticalLine& line : lines_) {
     QPoint pixel;
-    if (!scale.map({gateLines_[index].x, recorder_.shown().scale.top}, pixel)) continue;
-    const bool isFence = index % linesPerGate >= linesPerGate / 2;
+    if (!scale.map({line.x, recorder_.shown().scale.top}, pixel)) continue;
+    // The right edge itself lies beside the last pixel.
+    if (pixel.x() == surface.width()) pixel.rx() -= penWidth_;
     const int x = pixel.x() + penWidth_ / 2;
-    painter.setPen(linePen(isFence ? look::fenceLine : look::gateLine, penWidth_));
-    if (!isFence) {
-      painter.drawLine(x, 0, x, height);
+    painter.setPen(linePen(line.colour, penWidth_));
+    if (!line.dashed) {
+      painter.drawLine(x, 0, x, surface.height());
       continue;
     }
     segments_.clear();
-    for (int top = 0; top < height; top += (dash + gap) * penWidth_) {
+    for (int top = 0; top < surface.height(); top += (dash + gap) * penWidth_) {
       segments_.emplace_back(x, top, x, top + dash * penWidth_ - 1);
     }
     painter.drawLines(segments_.data(), static_cast<int>(segments_.size()));

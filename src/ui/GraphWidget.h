@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QLine>
 #include <QPixmap>
 #include <QPoint>
@@ -10,7 +11,6 @@
 #include <vector>
 
 #include "platform/Picture.h"
-#include "profile/ProfileView.h"
 #include "ui/Drawing.h"
 
 class QPainter;
@@ -43,15 +43,26 @@ struct GraphMouseHandlers {
   std::function<void()> leave;
 };
 
-/// A graph: shows the last finished drawing of `picture()` and, above it, gate lines. An expose
+/// A line over the full height of a graph, at a place in its user units.
+struct VerticalLine {
+  double x = 0;
+  QColor colour;
+  bool dashed = false;
+  friend bool operator==(const VerticalLine&, const VerticalLine&) = default;
+};
+
+/// A graph: shows the last finished drawing of `picture()` and, above it, vertical lines. An expose
 /// paints both again without asking anybody.
 class GraphWidget : public QWidget {
  public:
   explicit GraphWidget(QWidget* parent = nullptr);
 
   Picture& picture() { return recorder_; }
-  void placeGateLines(const GateLineArray& lines);
+  /// They stay until the next call, whatever is drawn meanwhile.
+  void placeLines(std::vector<VerticalLine> lines);
   void setMouseHandlers(GraphMouseHandlers handlers);
+  /// A left-right arrow, or the default pointer.
+  void setSizingPointer(bool sizing);
 
   /// Between pixels of this widget and user units of the drawing that is shown.
   PicturePoint userPoint(const QPointF& pixel) const;
@@ -79,10 +90,10 @@ class GraphWidget : public QWidget {
   void paintPolyline(QPainter& painter, const DeviceScale& scale, const DrawingStep& step);
   void paintRun(QPainter& painter, Colour colour);
   void paintText(QPainter& painter, const DeviceScale& scale, const DrawingStep& step);
-  void paintGateLines(QPainter& painter, const DeviceScale& scale, int height);
+  void paintLines(QPainter& painter, const DeviceScale& scale, const QSize& surface);
 
   DrawingRecorder recorder_;
-  GateLineArray gateLines_{};
+  std::vector<VerticalLine> lines_;
   GraphMouseHandlers mouse_;
   bool pressed_ = false;
 

@@ -23,5 +23,6 @@ inline constexpr QColor edgeLabelText{255, 255, 255};
 /// Apart from both traces in hue and from each other in style as well.
 inline constexpr QColor gateLine{255, 140, 0};
 inline constexpr QColor fenceLine{206, 130, 255};
+inline constexpr QColor cursorLine{255, 140, 0};
 
 }  // namespace pulsemod::look

@@ -14,23 +14,9 @@
 #include "ui/FontChoice.h"
 #include "ui/InfoBox.h"
 #include "ui/MarkersWindow.h"
+#include "ui/Menus.h"
 
 namespace pulsemod {
-
-namespace {
-
-QAction* addItem(QMenu* menu, const char* name, const QString& caption, const QString& toolTip,
-                 const QKeySequence& shortcut = {}) {
-  QAction* item = menu->addAction(caption);
-  item->setObjectName(QLatin1String(name));
-  item->setToolTip(toolTip);
-  item->setShortcut(shortcut);
-  // The menu bar of some platforms moves such items elsewhere by their captions.
-  item->setMenuRole(QAction::NoRole);
-  return item;
-}
-
-}  // namespace
 
 MainWindow::MainWindow(std::function<void()> showComms)
     : showComms_(std::move(showComms)), panel_(new ProfilePanel(this)) {
@@ -47,14 +33,8 @@ MainWindow::MainWindow(std::function<void()> showComms)
   resize(QSize(800, 600).boundedTo(screen()->availableSize()).expandedTo(minimumSize()));
 }
 
-QMenu* MainWindow::addMenu(const QString& caption) {
-  QMenu* menu = menuBar()->addMenu(caption);
-  menu->setToolTipsVisible(true);
-  return menu;
-}
-
 void MainWindow::buildFileMenu() {
-  QMenu* menu = addMenu(QStringLiteral("&File"));
+  QMenu* menu = addMenu(menuBar(), QStringLiteral("&File"));
   menuOpen_ =
       addItem(menu, "menuOpen", QStringLiteral("&Open..."),
               QStringLiteral("Open a saved profile as the second profile"), QKeySequence::Open);
@@ -68,7 +48,7 @@ void MainWindow::buildFileMenu() {
 }
 
 void MainWindow::buildPulseModMenu() {
-  QMenu* menu = addMenu(QStringLiteral("&PulseMod"));
+  QMenu* menu = addMenu(menuBar(), QStringLiteral("&PulseMod"));
   menuStart_ = addItem(menu, "menuStart", QStringLiteral("St&art"),
                        QStringLiteral("Read profiles from the meter until stopped"),
                        QKeySequence(Qt::Key_F5));
@@ -92,7 +72,7 @@ void MainWindow::buildPulseModMenu() {
 }
 
 void MainWindow::buildSettingsMenu() {
-  QMenu* menu = addMenu(QStringLiteral("&Settings"));
+  QMenu* menu = addMenu(menuBar(), QStringLiteral("&Settings"));
   menuProperties_ = addItem(menu, "menuProperties", QStringLiteral("&Properties..."),
                             QStringLiteral("Gates, markers, channels and averaging"),
                             QKeySequence(Qt::ALT | Qt::Key_Return));
@@ -106,7 +86,7 @@ void MainWindow::buildSettingsMenu() {
 }
 
 void MainWindow::buildViewMenu() {
-  QMenu* menu = addMenu(QStringLiteral("&View"));
+  QMenu* menu = addMenu(menuBar(), QStringLiteral("&View"));
   menuInfoBox_ =
       addItem(menu, "menuInfoBox", QStringLiteral("&Info Box"),
               QStringLiteral("The measurements of the gates"), QKeySequence(Qt::CTRL | Qt::Key_I));

@@ -8,7 +8,6 @@
 
 class QAction;
 class QFont;
-class QMenu;
 
 namespace pulsemod {
 
@@ -53,7 +52,6 @@ class MainWindow : public QMainWindow, public ProfileView {
   void buildSettingsMenu();
   void buildViewMenu();
   void connectMenus();
-  QMenu* addMenu(const QString& caption);
   void chooseGraphFont();
   /// Shows or hides one of the two readout windows, which is built when it is first shown.
   template <typename Window>

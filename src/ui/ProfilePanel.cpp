@@ -1,84 +1,27 @@
 #include "ui/ProfilePanel.h"
 
-#include <QFontMetrics>
-#include <QTimer>
 #include <algorithm>
-#include <utility>
 
 #include "link/Fault.h"
 #include "profile/GraphMouse.h"
 #include "profile/ParameterEdits.h"
 #include "profile/ProfileGraph.h"
 #include "ui/FontChoice.h"
+#include "ui/GateLines.h"
+#include "ui/GraphFace.h"
 #include "ui/Look.h"
 
 namespace pulsemod {
 
-namespace {
-
-constexpr auto idleRate = "Profile/Second: 0.00";
-
-void setUpLabel(QLabel& label, const char* name, const QString& toolTip) {
-  label.setObjectName(QLatin1String(name));
-  label.setTextFormat(Qt::PlainText);
-  label.setContentsMargins(8, 4, 8, 4);
-  label.setToolTip(toolTip);
-}
-
-void setUpParameter(ParameterLabel& label, const char* name, const QString& meaning,
-                    const QString& toolTip, void (*onClick)()) {
-  setUpLabel(label, name, toolTip);
-  label.setMeaning(meaning);
-  label.setOnClick([onClick] { reportFaults(onClick); });
-}
-
-/// Draws the graph in the middle of a resize. The box of a fault must wait until the resize is
-/// over: the window could be resized under it, and the layout of a main window does not survive a
-/// resize within a resize.
-void drawWithoutBox(QObject* context) {
-  if (GraphFaultReported) {
-    RefreshGraph();
-    return;
-  }
-  try {
-    DrawGraphGrid();
-    UpdateGraphLabels();
-    RedrawProfile();
-    PositionGateLines();
-  } catch (const Fault&) {
-    QTimer::singleShot(0, context, [] { RefreshGraph(); });
-  }
-}
-
-QSize widerThan(const QLabel& label, const QString& sample) {
-  const QMargins margins = label.contentsMargins();
-  const int width =
-      label.fontMetrics().horizontalAdvance(sample) + margins.left() + margins.right();
-  return label.sizeHint().expandedTo({width, 0});
-}
-
-}  // namespace
-
 ProfilePanel::ProfilePanel(QWidget* parent) : QWidget(parent) {
-  QPalette colours = palette();
-  colours.setColor(QPalette::Window, look::surround);
-  colours.setColor(QPalette::WindowText, look::label);
-  setPalette(colours);
-  setAutoFillBackground(true);
-  // Else the first label had the focus at the start, and Enter would open its box.
-  setFocusPolicy(Qt::ClickFocus);
-  setFocus();
+  setUpFace(*this);
 
-  rule_.setObjectName(QStringLiteral("menuLine"));
-  QPalette ruleColours = colours;
-  ruleColours.setColor(QPalette::Window, look::rule);
-  rule_.setPalette(ruleColours);
-  rule_.setAutoFillBackground(true);
+  setUpRule(rule_);
 
   graph_.setObjectName(QStringLiteral("GraphPic"));
   graph_.setAccessibleName(QStringLiteral("Pulse profile graph"));
 
-  setUpLabel(rate_, "lblgraphspeed", QString());
+  setUpRateLabel(rate_, "lblgraphspeed");
   setUpParameter(reference_, "lblRef", QStringLiteral("Reference level"),
                  QStringLiteral("Reference level: the power at the top edge. Click to change it."),
                  EditReferenceLevel);
@@ -101,10 +44,6 @@ ProfilePanel::ProfilePanel(QWidget* parent) : QWidget(parent) {
       {[] { reportFaults(GraphButtonDown); },
        [](PicturePoint pointer) { reportFaults([pointer] { GraphMouseMove(pointer); }); },
        [] { reportFaults(GraphButtonUp); }, [] { reportFaults(GraphMouseLeave); }});
-  QPalette quiet = colours;
-  quiet.setColor(QPalette::WindowText, look::quietLabel);
-  rate_.setPalette(quiet);
-  rate_.setText(QLatin1String(idleRate));
 }
 
 void ProfilePanel::setUpEdgeLabel() {
@@ -119,6 +58,10 @@ void ProfilePanel::setUpEdgeLabel() {
   // The mouse is over the graph, also where the label stands.
   edgeLabel_.setAttribute(Qt::WA_TransparentForMouseEvents);
   edgeLabel_.hide();
+}
+
+void ProfilePanel::placeGateLines(const GateLineArray& lines) {
+  graph_.placeLines(visibleLines(lines));
 }
 
 void ProfilePanel::setEdgeLabelCaption(const QString& caption) {
@@ -138,16 +81,6 @@ void ProfilePanel::placeEdgeLabel() {
   const QSize room = graph_.size() - edgeLabel_.size();
   edgeLabel_.move(graph_.pos() + QPoint(std::clamp(place.x(), 0, std::max(0, room.width())),
                                         std::clamp(place.y(), 0, std::max(0, room.height()))));
-}
-
-void ProfilePanel::setSizingPointer(bool sizing) {
-  // At each move of the mouse, and the window system would be told each time.
-  if (sizing == graph_.testAttribute(Qt::WA_SetCursor)) return;
-  if (sizing) {
-    graph_.setCursor(Qt::SizeHorCursor);
-  } else {
-    graph_.unsetCursor();
-  }
 }
 
 QString ProfilePanel::graphLabel(GraphLabel label) const { return labelOf(label).text(); }
@@ -204,9 +137,9 @@ void ProfilePanel::place() {
 }
 
 void ProfilePanel::layOutAndDraw() {
-  rate_.setText(QLatin1String(idleRate));
+  resetRate(rate_);
   place();
-  drawWithoutBox(this);
+  drawWithoutBox(this, DrawGraph);
 }
 
 void ProfilePanel::resizeEvent(QResizeEvent* /*event*/) {

@@ -19,7 +19,7 @@ class ProfilePanel : public QWidget {
   explicit ProfilePanel(QWidget* parent = nullptr);
 
   Picture& graph() { return graph_.picture(); }
-  void placeGateLines(const GateLineArray& lines) { graph_.placeGateLines(lines); }
+  void placeGateLines(const GateLineArray& lines);
   void setGraphLabel(GraphLabel label, const QString& caption);
   QString graphLabel(GraphLabel label) const;
   void showRate(const QString& caption, const QString& toolTip);
@@ -29,7 +29,7 @@ class ProfilePanel : public QWidget {
   PictureSize edgeLabelSize() const { return graph_.userSize(edgeLabel_.sizeHint()); }
   void showEdgeLabel(PicturePoint topLeft);
   void hideEdgeLabel() { edgeLabel_.hide(); }
-  void setSizingPointer(bool sizing);
+  void setSizingPointer(bool sizing) { graph_.setSizingPointer(sizing); }
 
   QFont graphFont() const { return reference_.font(); }
   /// Applies the font's name, size and weight to the graph and its labels.

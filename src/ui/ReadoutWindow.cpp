@@ -16,6 +16,7 @@
 
 #include "link/Fault.h"
 #include "ui/FontChoice.h"
+#include "ui/Menus.h"
 
 namespace pulsemod {
 
@@ -53,12 +54,9 @@ ReadoutWindow::ReadoutWindow(QWidget* owner, const char* name, const QString& ti
 
 void ReadoutWindow::buildMenu() {
   // Its letter is none of those of the owner's menu bar, which stay reachable from here.
-  QMenu* menu = menuBar()->addMenu(QStringLiteral("&Options"));
-  menu->setToolTipsVisible(true);
-  QAction* menuFont = menu->addAction(QStringLiteral("&Font..."));
-  menuFont->setObjectName(QStringLiteral("menuFont"));
-  menuFont->setToolTip(QStringLiteral("The font of the labels in this window"));
-  menuFont->setMenuRole(QAction::NoRole);
+  QAction* menuFont =
+      addItem(addMenu(menuBar(), QStringLiteral("&Options")), "menuFont",
+              QStringLiteral("&Font..."), QStringLiteral("The font of the labels in this window"));
   connect(menuFont, &QAction::triggered, this,
           [this] { reportFaults([this] { chooseLabelFont(); }); });
 }

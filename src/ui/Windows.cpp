@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "ui/CCDFWindow.h"
 #include "ui/CommsDialog.h"
 #include "ui/ConfigureQuestion.h"
 #include "ui/MainWindow.h"
@@ -24,13 +25,29 @@ StartChoice Windows::askHowToBegin() {
   return question_->ask();
 }
 
-void Windows::showMainWindow(const std::string& title) {
+MainWindow& Windows::mainWindow() {
   if (!main_) {
     main_ = std::make_unique<MainWindow>([this] { showCommsOptions(); });
     mainIsTheView_ = std::make_unique<ProfileViewGuard>(*main_);
   }
-  if (!title.empty()) main_->setWindowTitle(QString::fromStdString(title));
-  main_->show();
+  return *main_;
+}
+
+void Windows::showMainWindow(const std::string& title) {
+  MainWindow& window = mainWindow();
+  if (!title.empty()) window.setWindowTitle(QString::fromStdString(title));
+  window.show();
+}
+
+void Windows::prepareCCDFWindow() {
+  mainWindow();
+  ccdf_ = std::make_unique<CCDFWindow>();
+  ccdfIsTheView_ = std::make_unique<CCDFViewGuard>(*ccdf_);
+}
+
+void Windows::showCCDFWindow(const std::string& title) {
+  ccdf_->setWindowTitle(QString::fromStdString(title));
+  ccdf_->show();
 }
 
 }  // namespace pulsemod

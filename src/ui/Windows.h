@@ -4,12 +4,14 @@
 #include <memory>
 #include <string>
 
+#include "ccdf/CCDFView.h"
 #include "profile/ProfileView.h"
 #include "startup/StartUp.h"
 #include "ui/PleaseWait.h"
 
 namespace pulsemod {
 
+class CCDFWindow;
 class CommsDialog;
 class ConfigureQuestion;
 class MainWindow;
@@ -32,12 +34,18 @@ class Windows : public StartUpView {
   StartChoice askHowToBegin() override;
   /// From here on `frmMain` is the `profileView()`.
   void showMainWindow(const std::string& title) override;
+  void prepareCCDFWindow() override;
+  void showCCDFWindow(const std::string& title) override;
 
  private:
+  MainWindow& mainWindow();
+
   std::function<std::string(int)> portDevice_;
   PleaseWait pleaseWait_;
   std::unique_ptr<MainWindow> main_;
   std::unique_ptr<ProfileViewGuard> mainIsTheView_;
+  std::unique_ptr<CCDFWindow> ccdf_;
+  std::unique_ptr<CCDFViewGuard> ccdfIsTheView_;
   std::unique_ptr<ConfigureQuestion> question_;
   // After `main_`, its parent at times: whichever goes first, neither is deleted twice.
   std::unique_ptr<CommsDialog> comms_;

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "link/ReplyText.h"
 
@@ -57,6 +59,47 @@ TEST(ReplyText, TrimmedTakesPaddingFromBothEndsOnly) {
   EXPECT_EQ(trimmed("plain"), "plain");
   EXPECT_EQ(trimmed(" \t\r\n"), "");
   EXPECT_EQ(trimmed(""), "");
+}
+
+using Fields = std::vector<std::string>;
+
+TEST(ReplyText, WalkClosedFieldsLeavesOutTheVeryLastCharacter) {
+  struct Row {
+    const char* text;
+    Fields fields;
+  };
+  const Row rows[] = {
+      {"", {}},
+      {"\r", {""}},
+      {",", {""}},
+      {"7", {""}},
+      {"7\r", {"7"}},
+      {"7,", {"7"}},
+      {"7,\r", {"7", ""}},
+      {"7,8", {"7", ""}},
+      {"50.5,10.25,1.5\r", {"50.5", "10.25", "1.5"}},
+      {"50.5,10.25,1.5", {"50.5", "10.25", "1."}},
+      {",,7\r", {"", "", "7"}},
+      {" 7 , 8 \r", {" 7 ", " 8 "}},
+  };
+  for (const Row& row : rows) {
+    Fields fields;
+    EXPECT_TRUE(walkClosedFields(row.text, [&fields](std::string_view field) {
+      fields.emplace_back(field);
+      return true;
+    }));
+    EXPECT_EQ(fields, row.fields) << '"' << row.text << '"';
+  }
+}
+
+TEST(ReplyText, WalkClosedFieldsEndsWhenAFieldIsRefused) {
+  Fields fields;
+  EXPECT_FALSE(walkClosedFields("1,2,3\r", [&fields](std::string_view field) {
+    fields.emplace_back(field);
+    return field != "2";
+  }));
+  EXPECT_EQ(fields, (Fields{"1", "2"}));
+  EXPECT_FALSE(walkClosedFields("1,2\r", [](std::string_view field) { return field != "2"; }));
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 #include "ProfileTest.h"
-#include "profile/AcquisitionPause.h"
+#include "profile/AcquisitionControl.h"
 
 namespace pulsemod::test {
 namespace {

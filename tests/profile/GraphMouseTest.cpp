@@ -3,8 +3,8 @@
 
 #include "ProfileTest.h"
 #include "link/NumberText.h"
+#include "profile/AcquisitionControl.h"
 #include "profile/AcquisitionLoop.h"
-#include "profile/AcquisitionPause.h"
 #include "profile/GraphMouse.h"
 #include "profile/GraphScale.h"
 #include "profile/ProfileGraph.h"

@@ -28,10 +28,20 @@ class FakeStartUpView : public StartUpView {
     shown.push_back("main \"" + title + "\"");
     if (onMainWindow) onMainWindow();
   }
+  void prepareCCDFWindow() override {
+    shown.emplace_back("ccdf is built");
+    if (onCCDFWindow) onCCDFWindow();
+  }
+  void showCCDFWindow(const std::string& title) override {
+    shown.push_back("ccdf \"" + title + "\"");
+    if (onCCDFWindow) onCCDFWindow();
+  }
 
   std::deque<StartChoice> answers;
   std::function<void()> onComms;
   std::function<void()> onMainWindow;
+  /// When it is built, and when it is shown.
+  std::function<void()> onCCDFWindow;
   /// The windows in the order in which they were shown.
   std::vector<std::string> shown;
 };

@@ -44,11 +44,4 @@ inline void answerConfiguration(FakeMeter& meter) {
   }
 }
 
-/// The bytes of a transcript on the serial line.
-inline std::string serialBytes(const Transcript& lines) {
-  std::string bytes;
-  for (const std::string& line : lines) bytes += line + "\r";
-  return bytes;
-}
-
 }  // namespace pulsemod::test

@@ -186,17 +186,6 @@ TEST_F(Start, CommsOptionsAreShownEachTimeAndTakeEffect) {
   EXPECT_TRUE(world.dialogs.messages.empty());
 }
 
-TEST_F(Start, ALaterCourseIsAnnouncedAndTheQuestionComesAgain) {
-  choose({StartChoice::ccdfMode, StartChoice::justStart});
-  StartUp(view);
-  EXPECT_EQ(view.shown, (Shown{"question", "question", "main \"\""}));
-  EXPECT_EQ(
-      world.dialogs.messages,
-      (std::vector<ShownBox>{{"\"CCDF Mode\" is not part of this version yet.", "Pelmora PulseMod",
-                              MessageIcon::information, "Please choose another way to begin."}}));
-  EXPECT_EQ(world.meter.received, startTranscript());
-}
-
 TEST_F(Start, ConfigureSendsTheDefaultsThenShowsTheWindowAndRunsTheLoop) {
   choose({StartChoice::configureMeter});
   EXPECT_THROW(StartUp(view), WaitsForEver);

@@ -1,11 +1,15 @@
 #include "support/FakeWorld.h"
 
+#include "ccdf/CCDFCursor.h"
+#include "ccdf/CCDFState.h"
+#include "ccdf/PowerAxis.h"
 #include "link/CommsSettings.h"
 #include "link/Conversation.h"
 #include "link/GpibCalls.h"
 #include "link/MeterLink.h"
+#include "profile/AcquisitionControl.h"
 #include "profile/AcquisitionLoop.h"
-#include "profile/AcquisitionPause.h"
+#include "profile/GraphFault.h"
 #include "profile/GraphMouse.h"
 #include "profile/MeasurementSettings.h"
 #include "profile/ParameterEdits.h"
@@ -33,6 +37,13 @@ FakeWorld::FakeWorld() {
   AcquisitionRequests = 0;
   ProfileReadFailed = false;
   GraphFaultReported = false;
+  CCDFData = Trace{};
+  CCDFLogData = Trace{};
+  SecondCCDFData = Trace{};
+  CCDF = CCDFSettings{};
+  CCDFPending = CCDFRequests{};
+  CCDFMouse = CCDFMouseState{};
+  PowerEdits = PowerEditCounts{};
   MeterModel = 0;
 }
 

@@ -11,6 +11,13 @@ namespace pulsemod::test {
 /// "*CLS; *ESE 56" and the like: the texts that reached the meter, in order.
 using Transcript = std::vector<std::string>;
 
+/// The bytes of a transcript on the serial line.
+inline std::string serialBytes(const Transcript& lines) {
+  std::string bytes;
+  for (const std::string& line : lines) bytes += line + "\r";
+  return bytes;
+}
+
 /// What the program tells a meter on channel 1 to read its configuration, in order.
 inline Transcript configurationTranscript() {
   return {
@@ -105,6 +112,20 @@ inline Transcript defaultsTranscript() {
           "*OPC?"};
 }
 
+/// What the program tells a meter to enter CCDF mode with the default settings, in order.
+inline Transcript ccdfConfigurationTranscript() {
+  return {"PPACQS 1,ON",    "PPFUNC 1,STATS", "TTFUNC 1,CCDF",  "CHDISPN 1",       "CHACTIV 1",
+          "CHMODE 1, PMOD", "CHCFG 1, A",     "PMPREF 1,DB,10", "PMPSCAL 1,DB,10", "*OPC?"};
+}
+
+/// What it asks then, in order; the cursor's place only while the cursor is on.
+inline Transcript ccdfSettingsTranscript(bool cursorOn) {
+  Transcript lines = {"TTFRO 1", "TTPSP? 1", "TTPST? 1", "TTMKS? 1"};
+  if (cursorOn) lines.emplace_back("TTMKRO 1");
+  lines.emplace_back("TTSRC? 1");
+  return lines;
+}
+
 /// The start-up's own lines, then those.
 inline Transcript startTranscript() { return {"*CLS; *ESE 56; *OPC?", "*IDN?"}; }
 inline Transcript loadTranscript() {
@@ -117,6 +138,13 @@ inline Transcript configureTranscript() {
   Transcript lines = startTranscript();
   const Transcript configuration = defaultsTranscript();
   lines.insert(lines.end(), configuration.begin(), configuration.end());
+  return lines;
+}
+inline Transcript ccdfTranscript(bool cursorOn) {
+  Transcript lines = startTranscript();
+  for (const Transcript& part : {ccdfConfigurationTranscript(), ccdfSettingsTranscript(cursorOn)}) {
+    lines.insert(lines.end(), part.begin(), part.end());
+  }
   return lines;
 }
 

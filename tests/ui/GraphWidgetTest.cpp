@@ -7,6 +7,7 @@
 #include "profile/ProfileGraph.h"
 #include "support/FakeProfileView.h"
 #include "support/FakeWorld.h"
+#include "ui/GateLines.h"
 #include "ui/GraphWidget.h"
 #include "ui/Look.h"
 
@@ -267,7 +268,7 @@ void GraphWidgetTest::gateLinesCoverTheHeight() {
   lines[2] = {true, 80};
   lines[29] = {true, 120};
   lines[31] = {true, 160};
-  graph.widget.placeGateLines(lines);
+  graph.widget.placeLines(visibleLines(lines));
   const QImage image = graph.image();
   const auto linePixels = [&](double x, const QColor& colour) {
     int count = 0;
@@ -292,7 +293,7 @@ void GraphWidgetTest::gateLinesStay() {
   graph.picture().show();
   GateLineArray lines{};
   lines[0] = {true, 40};
-  graph.widget.placeGateLines(lines);
+  graph.widget.placeLines(visibleLines(lines));
   const QRgb colour = look::gateLine.rgb();
   for (int i = 0; i < 3; ++i) {
     graph.begin();
@@ -303,7 +304,7 @@ void GraphWidgetTest::gateLinesStay() {
     QCOMPARE(graph.image().pixel(graph.device(40), graph.device(50)), colour);
   }
   lines[0] = {true, 90};
-  graph.widget.placeGateLines(lines);
+  graph.widget.placeLines(visibleLines(lines));
   QVERIFY(graph.image().pixel(graph.device(40), graph.device(90)) != colour);
   QCOMPARE(graph.image().pixel(graph.device(90), graph.device(90)), colour);
 }
@@ -314,14 +315,14 @@ void GraphWidgetTest::hiddenGateLines() {
   const QImage empty = graph.image();
   GateLineArray lines{};
   for (GateLine& line : lines) line.x = 50;
-  graph.widget.placeGateLines(lines);
+  graph.widget.placeLines(visibleLines(lines));
   QCOMPARE(graph.image(), empty);
   // Where a time at or before the left edge is clamped to: one point left of what is visible.
   graph.begin();
   graph.picture().setScale({1, 0, 20, 100});
   graph.picture().show();
   lines[0] = {true, 0};
-  graph.widget.placeGateLines(lines);
+  graph.widget.placeLines(visibleLines(lines));
   QCOMPARE(graph.image(), empty);
 }
 
@@ -329,7 +330,7 @@ void GraphWidgetTest::gateLinesTakeNoMouse() {
   Graph graph(200, 100);
   GateLineArray lines{};
   lines[0] = {true, 40};
-  graph.widget.placeGateLines(lines);
+  graph.widget.placeLines(visibleLines(lines));
   QCOMPARE(graph.widget.childAt(40, 50), nullptr);
 }
 
@@ -348,7 +349,7 @@ void GraphWidgetTest::wildValues() {
   GateLineArray lines{};
   lines[0] = {true, nan};
   lines[1] = {true, 1e300};
-  graph.widget.placeGateLines(lines);
+  graph.widget.placeLines(visibleLines(lines));
   const QImage image = graph.image();
   const auto isRed = [&](double x, double y) {
     return image.pixel(graph.device(x), graph.device(y)) == rgb(red);

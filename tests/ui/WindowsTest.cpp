@@ -19,7 +19,8 @@ class WindowsTest : public QObject {
 
   static QStringList builtWindows() {
     QStringList names;
-    for (const char* name : {"frmMain", "frmComms", "frmConfigureQuestion", "frmPleaseWait"}) {
+    for (const char* name :
+         {"frmMain", "frmCCDF", "frmComms", "frmConfigureQuestion", "frmPleaseWait"}) {
       if (windowNamed(name) != nullptr) names << name;
     }
     return names;
@@ -31,6 +32,8 @@ class WindowsTest : public QObject {
   void titles();
   void commsFromTheMainMenu();
   void startUpToTheMainWindow();
+  void ccdfWindowStandsAlone();
+  void startUpToTheCCDFWindow();
 };
 
 void WindowsTest::buildsOnlyWhatIsShown() {
@@ -116,6 +119,56 @@ void WindowsTest::startUpToTheMainWindow() {
   QVERIFY(windowNamed("frmMain")->isVisible());
   QCOMPARE(windowNamed("frmMain")->windowTitle(), "Pelmora PulseMod");
   QCOMPARE(world.meter.received, (Transcript{"*CLS; *ESE 56; *OPC?", "*IDN?"}));
+}
+
+/// The main window is there, since the configuration shows its values in it, and stays hidden.
+void WindowsTest::ccdfWindowStandsAlone() {
+  FakeWorld world;
+  Windows windows([](int) { return std::string(); });
+  windows.prepareCCDFWindow();
+  QCOMPARE(builtWindows(), (QStringList{"frmMain", "frmCCDF"}));
+  const QWidget* ccdf = windowNamed("frmCCDF");
+  ccdfView().setSourceLabel("SOURCE:MARKER");
+  QCOMPARE(ccdf->findChild<QLabel*>("lblMeasSource")->text(), "SOURCE:MARKER");
+  profileView().setGraphLabel(GraphLabel::capture, "7ms");
+  QCOMPARE(windowNamed("frmMain")->findChild<QLabel*>("lblCapture")->text(), "7ms");
+  QVERIFY(!ccdf->isVisible());
+  windows.showCCDFWindow("Pelmora v9.9");
+  QVERIFY(ccdf->isVisible());
+  QCOMPARE(ccdf->windowTitle(), "Pelmora v9.9");
+  QVERIFY(!ccdf->isModal());
+  QVERIFY(!windowNamed("frmMain")->isVisible());
+  QCOMPARE(windowNamed("frmMain")->windowTitle(), "Pelmora PulseMod");
+  QVERIFY(world.meter.received.empty());
+}
+
+void WindowsTest::startUpToTheCCDFWindow() {
+  FakeWorld world;
+  world.meter.replies = {{"*IDN?", "Pelmora,QX7205A,1,1.0"}, {"TTFRO 1", "TTFRO 1,200,50.5"},
+                         {"TTPSP? 1", "TTPSP 1,0"},          {"TTPST? 1", "TTPST 1,-30"},
+                         {"TTMKS? 1", "TTMKS 1,ON"},         {"TTMKRO 1", "TTMKRO 1,12.5,-15"},
+                         {"TTSRC? 1", "TTSRC 1,GATE"}};
+  Windows windows([](int) { return std::string(); });
+  whenModalIsShown<QDialog>("frmComms", [](QDialog& dialog) {
+    dialog.findChild<QPushButton*>("cmdSave")->click();
+    whenModalIsShown<QDialog>("frmConfigureQuestion", [](QDialog& question) {
+      question.findChild<QPushButton*>("cmdCCDF")->click();
+    });
+  });
+  // The loop opens stopped, and no event ever comes.
+  QVERIFY_EXCEPTION_THROWN(StartUp(windows), WaitsForEver);
+  QCOMPARE(world.meter.received, ccdfTranscript(true));
+  const QWidget* ccdf = windowNamed("frmCCDF");
+  QVERIFY(ccdf->isVisible());
+  QVERIFY(!windowNamed("frmMain")->isVisible());
+  QCOMPARE(ccdf->windowTitle(), QString::fromStdString(versionCaption()));
+  QCOMPARE(ccdf->findChild<QLabel*>("lblStartPower")->text(), "-30dBm");
+  QCOMPARE(ccdf->findChild<QLabel*>("lblStopPower")->text(), "0dBm");
+  QCOMPARE(ccdf->findChild<QLabel*>("lblMeasSource")->text(), "SOURCE:GATE");
+  QVERIFY(ccdf->findChild<QWidget*>("FrameCursor")->isVisible());
+  QCOMPARE(ccdf->findChild<QLabel*>("lblCursorPower")->text(), "-15dBm");
+  QVERIFY(ccdf->findChild<QAction*>("menuStart")->isEnabled());
+  QVERIFY(!ccdf->findChild<QAction*>("menuOn")->isEnabled());
 }
 
 QTEST_MAIN(WindowsTest)

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <string>
+
+#include "platform/Picture.h"
+
+/// What the CCDF subsystem asks of its window, `frmCCDF`.
+
+namespace pulsemod {
+
+class CCDFView {
+ public:
+  virtual ~CCDFView() = default;
+
+  /// `CCDFGraphPic`.
+  virtual Picture& graph() = 0;
+  /// `lblStartPower` and `lblStopPower`.
+  virtual void setStartPowerLabel(const std::string& caption) = 0;
+  virtual void setStopPowerLabel(const std::string& caption) = 0;
+  /// `lblMeasSource`.
+  virtual void setSourceLabel(const std::string& caption) = 0;
+  /// `lblgraphspeed1` and its tool tip.
+  virtual void showRate(const std::string& caption, const std::string& toolTip) = 0;
+
+  /// Brings `menuStart` and `menuStop` in line with a started or stopped acquisition.
+  virtual void showAcquisitionStarted() = 0;
+  virtual void showAcquisitionStopped() = 0;
+  /// `menuOn` is enabled while the cursor is off, `menuOFF` and `menuSetCursorPosition` while it is
+  /// on.
+  virtual void setCursorMenus(bool cursorOn) = 0;
+
+  /// `FrameCursor` with `lblCursorPower` and `lblCursorPercentage`, and the cursor's line at graph
+  /// x over the full height.
+  virtual void showCursor(const std::string& power, const std::string& percentage, double x) = 0;
+  virtual void hideCursor() = 0;
+  virtual bool cursorFrameIsShown() const = 0;
+  /// The pointer over the graph: a left-right arrow, or the default.
+  virtual void setSizingPointer(bool sizing) = 0;
+
+  /// `menuSecondProfile` is checked.
+  virtual bool secondCurveIsShown() const = 0;
+};
+
+/// The window; calling it before one is there ends the process.
+CCDFView& ccdfView();
+
+/// Makes `view` the window for as long as the guard lives.
+class CCDFViewGuard {
+ public:
+  explicit CCDFViewGuard(CCDFView& view);
+  ~CCDFViewGuard();
+  CCDFViewGuard(const CCDFViewGuard&) = delete;
+  CCDFViewGuard& operator=(const CCDFViewGuard&) = delete;
+
+ private:
+  CCDFView* previous_;
+};
+
+}  // namespace pulsemod

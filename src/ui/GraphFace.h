@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QSize>
+#include <QString>
+#include <functional>
+
+class QLabel;
+class QObject;
+class QWidget;
+
+namespace pulsemod {
+
+class ParameterLabel;
+
+/// What the faces of both graph windows have in common.
+
+/// The dark ground and the text colour of labels on it. The panel has the focus at the start.
+void setUpFace(QWidget& panel);
+/// `menuLine`, the line under the menu bar. Its parent has a face already.
+void setUpRule(QWidget& rule);
+/// An accessible name would hide the label's text.
+void setUpLabel(QLabel& label, const char* name, const QString& toolTip);
+/// Shows that nothing has been measured yet.
+void setUpRateLabel(QLabel& label, const char* name);
+void resetRate(QLabel& label);
+/// A label whose click calls a handler of a subsystem.
+void setUpParameter(ParameterLabel& label, const char* name, const QString& meaning,
+                    const QString& toolTip, void (*onClick)());
+
+/// What the label needs for its caption or for `sample`, whichever is wider.
+QSize widerThan(const QLabel& label, const QString& sample);
+
+/// Draws a graph in the middle of a resize. The box of a fault must wait until the resize is over:
+/// the window could be resized under it, and the layout of a main window does not survive a resize
+/// within a resize. So a fault that was not reported yet calls `drawing` again, later, with a
+/// report.
+void drawWithoutBox(QObject* context, const std::function<void()>& drawing);
+
+}  // namespace pulsemod

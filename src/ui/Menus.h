@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QKeySequence>
+#include <QString>
+
+class QAction;
+class QMenu;
+class QMenuBar;
+
+namespace pulsemod {
+
+/// A menu whose items show their tool tips.
+QMenu* addMenu(QMenuBar* bar, const QString& caption);
+
+/// An item with its object name; it stays in its menu on every platform.
+QAction* addItem(QMenu* menu, const char* name, const QString& caption, const QString& toolTip,
+                 const QKeySequence& shortcut = {});
+
+}  // namespace pulsemod
