@@ -169,6 +169,12 @@ void Bench::startLoaded(Link link, const std::string& scenario) {
   hands().waitVisible("frmMain");
 }
 
+void Bench::startCCDF(Link link, const std::string& scenario) {
+  startOn(link, scenario);
+  hands().click("frmConfigureQuestion/cmdCCDF");
+  hands().waitVisible("frmCCDF");
+}
+
 Events Bench::awaitTranscript(const std::string& what,
                               const std::function<bool(const Events&)>& isSo) {
   const auto deadline = Clock::now() + patience;

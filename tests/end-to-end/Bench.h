@@ -47,6 +47,8 @@ class Bench : public ::testing::Test {
   void startOn(Link link, const std::string& scenario = {});
   /// The same, and "Load from Power Meter" up to the main window.
   void startLoaded(Link link, const std::string& scenario = {});
+  /// The same, and "CCDF Mode" up to its window.
+  void startCCDF(Link link, const std::string& scenario = {});
   void hideGpibLibrary() { gpibLibraryIsThere_ = false; }
 
   // While it runs.

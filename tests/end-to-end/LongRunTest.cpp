@@ -1,14 +1,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdlib>
 #include <iostream>
-#include <random>
 #include <sstream>
 
 #include "Edges.h"
 #include "Exchanges.h"
 #include "Expected.h"
+#include "RandomUse.h"
 #include "RandomUser.h"
 
 namespace endtoend {
@@ -35,20 +34,6 @@ const EdgeTimes edgesAtTheStart = {
     {"Fence 1 Stop", 3.3e-4},  {"Gate 2 Start", 1.25e-3}, {"Gate 2 Stop", 1.75e-3},
     {"Fence 2 Start", 1.4e-3}, {"Fence 2 Stop", 1.5e-3},  {"Gate 3 Start", 7e-4},
     {"Gate 3 Stop", 1.1e-3},   {"Fence 4 Start", 5.5e-4}, {"Fence 4 Stop", 1.25e-3}};
-
-/// 30 seconds for every day; `PULSEMOD_RANDOM_USE_SECONDS` for a long run.
-std::chrono::seconds workingTime() {
-  constexpr int everyDay = 30;
-  const char* const wished = std::getenv("PULSEMOD_RANDOM_USE_SECONDS");
-  return std::chrono::seconds(wished != nullptr ? std::atoi(wished) : everyDay);
-}
-
-/// `PULSEMOD_RANDOM_USE_SEED` repeats what a run did.
-std::uint32_t chooseSeed() {
-  const char* const wished = std::getenv("PULSEMOD_RANDOM_USE_SEED");
-  return wished != nullptr ? static_cast<std::uint32_t>(std::strtoul(wished, nullptr, 10))
-                           : std::random_device()();
-}
 
 class LongRun : public BenchOnEachLink {
  protected:
