@@ -21,7 +21,18 @@ void Tour::walk() {
   shrinkWindow();
 }
 
-void Tour::leave() { hands_.close("frmMain"); }
+void Tour::walkCCDF() {
+  chooseLink();
+  enterCCDF();
+  watchCCDF();
+  dragCursor();
+  chooseSource();
+  editPower();
+  openCCDFMenus();
+  shrinkCCDFWindow();
+}
+
+void Tour::leave() { hands_.close(window_); }
 
 void Tour::takePicture(const std::string& title, const std::string& shown) {
   const std::string number = std::to_string(++count_);
@@ -46,6 +57,7 @@ void Tour::chooseLink() {
 }
 
 void Tour::loadFromMeter() {
+  window_ = "frmMain";
   hands_.click("frmConfigureQuestion/cmdLoadPM");
   takePicture("please-wait", "frmPleaseWait");
   hands_.waitGone("frmPleaseWait");
@@ -54,21 +66,27 @@ void Tour::loadFromMeter() {
 
 void Tour::watchProfile() {
   hands_.trigger("frmMain/menuStart");
-  awaitProfile();
-  // The rate is shown before its profile is drawn, and a new size resets it: at the next rate there
-  // is a profile to see.
-  hands_.resize("frmMain", 820, 620);
-  hands_.waitUntil("frmMain", "width", "820");
-  awaitProfile();
+  resizeAndAwait(820, 620);
   takePicture("running", "frmMain");
 }
 
-void Tour::awaitProfile() {
-  hands_.waitWhile("frmMain/lblgraphspeed", "text", "Profile/Second: 0.00");
+/// The rate is shown before its profile is drawn, and a new size resets it: at the next rate there
+/// is a profile to see.
+void Tour::resizeAndAwait(int width, int height) {
+  awaitRate();
+  hands_.resize(window_, width, height);
+  hands_.waitUntil(window_, "width", std::to_string(width));
+  hands_.waitUntil(window_, "height", std::to_string(height));
+  awaitRate();
+}
+
+void Tour::awaitRate() {
+  const std::string rate = in(window_ == "frmMain" ? "lblgraphspeed" : "lblgraphspeed1");
+  hands_.waitWhile(rate, "text", "Profile/Second: 0.00");
 }
 
 void Tour::moveOnGraph(const std::string& step, double share) {
-  constexpr auto graph = "frmMain/GraphPic";
+  const std::string graph = in(window_ == "frmMain" ? "GraphPic" : "CCDFGraphPic");
   std::istringstream place(hands_.get(graph, "place"));
   int x = 0;
   int y = 0;
@@ -119,12 +137,13 @@ void Tour::readMeasurements() {
 }
 
 void Tour::openMenus() {
-  const std::pair<const char*, const char*> menus[] = {
-      {"menu-file", "frmMain/menuExit"},
-      {"menu-pulsemod", "frmMain/menuStop"},
-      {"menu-settings", "frmMain/menuGraphFont"},
-      {"menu-view", "frmMain/menuInfoBox"},
-  };
+  openMenus({{"menu-file", "frmMain/menuExit"},
+             {"menu-pulsemod", "frmMain/menuStop"},
+             {"menu-settings", "frmMain/menuGraphFont"},
+             {"menu-view", "frmMain/menuInfoBox"}});
+}
+
+void Tour::openMenus(std::initializer_list<std::pair<const char*, const char*>> menus) {
   for (const auto& [title, item] : menus) {
     hands_.openMenuOf(item);
     takePicture(title, "QMenu");
@@ -151,12 +170,71 @@ void Tour::editLinkSettings() {
 
 void Tour::shrinkWindow() {
   hands_.trigger("frmMain/menuStart");
-  hands_.resize("frmMain", 480, 360);
-  hands_.waitUntil("frmMain", "width", "480");
-  hands_.waitUntil("frmMain", "height", "360");
-  awaitProfile();
+  resizeAndAwait(480, 360);
   takePicture("small-window", "frmMain");
   hands_.trigger("frmMain/menuStop");
+}
+
+void Tour::enterCCDF() {
+  window_ = "frmCCDF";
+  hands_.click("frmConfigureQuestion/cmdCCDF");
+  takePicture("please-wait", "frmPleaseWait");
+  hands_.waitGone("frmPleaseWait");
+  takePicture("before-start", "frmCCDF");
+}
+
+void Tour::watchCCDF() {
+  hands_.trigger("frmCCDF/menuStart");
+  resizeAndAwait(820, 620);
+  hands_.waitWhile("frmCCDF/lblCursorPercentage", "text", "0%");
+  takePicture("running", "frmCCDF");
+}
+
+/// The cursor stands at 5 dBm, of -30 to 20 dBm.
+void Tour::dragCursor() {
+  constexpr double cursor = 0.7;
+  hands_.trigger("frmCCDF/menuOFF");
+  takePicture("without-a-cursor", "frmCCDF");
+  hands_.trigger("frmCCDF/menuOn");
+  takePicture("with-the-cursor", "frmCCDF/FrameCursor");
+  moveOnGraph("move", cursor);
+  moveOnGraph("press", cursor);
+  moveOnGraph("move", 0.5);
+  takePicture("dragging-the-cursor", "frmCCDF/FrameCursor");
+  moveOnGraph("move", 0.8);
+  const std::string share = hands_.get("frmCCDF/lblCursorPercentage", "text");
+  moveOnGraph("release", 0.8);
+  hands_.waitWhile("frmCCDF/lblCursorPercentage", "text", share);
+  takePicture("dragged", "frmCCDF");
+}
+
+void Tour::chooseSource() {
+  hands_.trigger("frmCCDF/menuMeasSourceGate");
+  takePicture("source-changed", "messageBox");
+  hands_.key("messageBox", "Return");
+  hands_.waitGone("messageBox");
+}
+
+void Tour::editPower() {
+  hands_.click("frmCCDF/lblStartPower");
+  takePicture("edit-start-power", "inputBox");
+  hands_.type("inputBox/QLineEdit", "-20");
+  hands_.key("inputBox", "Return");
+  hands_.waitUntil("frmCCDF/lblStartPower", "text", "-20dBm");
+}
+
+void Tour::openCCDFMenus() {
+  openMenus({{"menu-file", "frmCCDF/menuSave"},
+             {"menu-ccdf", "frmCCDF/menuStop"},
+             {"menu-cursor", "frmCCDF/menuOn"},
+             {"menu-source", "frmCCDF/menuMeasSourceGate"}});
+}
+
+void Tour::shrinkCCDFWindow() {
+  resizeAndAwait(480, 360);
+  takePicture("small-window", "frmCCDF");
+  hands_.trigger("frmCCDF/menuStop");
+  hands_.waitUntil("frmCCDF/menuStart", "enabled", "true");
 }
 
 }  // namespace tour

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <functional>
+#include <initializer_list>
 #include <string>
+#include <utility>
 
 #include "RobotClient.h"
 
@@ -19,7 +20,9 @@ class Tour {
   /// From the first dialog to the open main window with the acquisition stopped again. Throws
   /// `robot::RobotError` when something did not appear.
   void walk();
-  /// Ends the program as its user does: the main window's close button.
+  /// The same through CCDF mode.
+  void walkCCDF();
+  /// Ends the program as its user does: the close button of the window that it came to.
   void leave();
 
   int pictures() const { return count_; }
@@ -28,7 +31,6 @@ class Tour {
   void chooseLink();
   void loadFromMeter();
   void watchProfile();
-  void awaitProfile();
   void dragGate();
   void editLabel();
   void readMeasurements();
@@ -37,8 +39,25 @@ class Tour {
   void editLinkSettings();
   void shrinkWindow();
 
-  /// A step of the mouse on the graph; `share` counts from its left edge to its right one.
+  void enterCCDF();
+  void watchCCDF();
+  void dragCursor();
+  void chooseSource();
+  void editPower();
+  void openCCDFMenus();
+  void shrinkCCDFWindow();
+
+  /// A picture of each menu, by the name that it gets and an item that is in it.
+  void openMenus(std::initializer_list<std::pair<const char*, const char*>> menus);
+  /// Until there is a profile, or a curve, of the present size to see.
+  void resizeAndAwait(int width, int height);
+  void awaitRate();
+
+  /// A step of the mouse on the window's graph; `share` counts from its left edge to its right one.
   void moveOnGraph(const std::string& step, double share);
+
+  /// A control or item of the window that the tour goes through.
+  std::string in(const std::string& name) const { return window_ + "/" + name; }
 
   /// All windows on the screen, as soon as `shown` is one of them.
   void takePicture(const std::string& title, const std::string& shown);
@@ -46,6 +65,7 @@ class Tour {
   robot::RobotClient& hands_;
   MeterLink link_;
   std::string folder_;
+  std::string window_;
   int count_ = 0;
 };
 

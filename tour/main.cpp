@@ -8,6 +8,7 @@
 #include <iostream>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "Program.h"
 #include "Robot.h"
@@ -22,17 +23,45 @@ namespace {
   std::_Exit(1);
 }
 
+struct Order {
+  tour::MeterLink link = tour::MeterLink::gpib;
+  bool throughCCDF = false;
+  std::string folder;
+};
+
+/// False when the arguments are none of those that `usage` names.
+bool readOrder(const std::vector<std::string>& arguments, Order& order) {
+  bool linkIsNamed = false;
+  for (const std::string& argument : arguments) {
+    if (argument == "--ccdf") {
+      order.throughCCDF = true;
+    } else if (argument == "--gpib" || argument == "--serial") {
+      order.link = argument == "--gpib" ? tour::MeterLink::gpib : tour::MeterLink::serial;
+      linkIsNamed = true;
+    } else if (order.folder.empty() && !argument.starts_with("-")) {
+      order.folder = argument;
+    } else {
+      return false;
+    }
+  }
+  return linkIsNamed && !order.folder.empty();
+}
+
 /// The script, in a thread of its own: it may simply wait, whatever event loop the program is in.
-void goRound(int socket, tour::MeterLink link, const std::string& folder) {
+void goRound(int socket, const Order& order) {
   try {
     robot::RobotClient hands(socket);
-    tour::Tour tour(hands, link, folder);
-    tour.walk();
-    std::cout << tour.pictures() << " pictures in " << folder << std::endl;
+    tour::Tour tour(hands, order.link, order.folder);
+    if (order.throughCCDF) {
+      tour.walkCCDF();
+    } else {
+      tour.walk();
+    }
+    std::cout << tour.pictures() << " pictures in " << order.folder << std::endl;
     tour.leave();
     // The end of the program ends this thread too.
     std::this_thread::sleep_for(std::chrono::minutes(1));
-    giveUp("the program goes on after its main window was closed");
+    giveUp("the program goes on after its window was closed");
   } catch (const std::exception& error) {
     giveUp(error.what());
   }
@@ -41,19 +70,19 @@ void goRound(int socket, tour::MeterLink link, const std::string& folder) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::string link = argc == 3 ? argv[1] : "";
-  if (link != "--gpib" && link != "--serial") {
-    std::cerr
-        << "usage: tour --gpib|--serial FOLDER\n"
-           "Walks through the program with the meter that is there, and leaves numbered\n"
-           "pictures of what it shows in FOLDER. A program without stored settings is told to\n"
-           "use the link that is named.\n";
+  Order order;
+  if (!readOrder({argv + 1, argv + argc}, order)) {
+    std::cerr << "usage: tour --gpib|--serial [--ccdf] FOLDER\n"
+                 "Walks through the program with the meter that is there, and leaves numbered\n"
+                 "pictures of what it shows in FOLDER: the pulse profile, or with --ccdf the CCDF\n"
+                 "mode. A program without stored settings is told to use the link that is named.\n";
     return 2;
   }
   std::error_code error;
-  const std::filesystem::path folder = std::filesystem::absolute(argv[2], error);
+  const std::filesystem::path folder = std::filesystem::absolute(order.folder, error);
   std::filesystem::create_directories(folder, error);
   if (error) giveUp("cannot make " + folder.string() + ": " + error.message());
+  order.folder = folder.string();
 
   // The system's own font and file dialogs cannot be reached from here.
   QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
@@ -63,7 +92,6 @@ int main(int argc, char** argv) {
     giveUp("no socket for the robot");
   }
   const robot::Robot robot(sockets[0]);
-  const auto meterLink = link == "--gpib" ? tour::MeterLink::gpib : tour::MeterLink::serial;
-  std::thread(goRound, sockets[1], meterLink, folder.string()).detach();
+  std::thread(goRound, sockets[1], order).detach();
   return pulsemod::runProgram(application);
 }
