@@ -54,65 +54,27 @@ const Entry& anyOf(const Entries& entries, std::uint32_t number) {
 }  // namespace
 
 CCDFRandomUser::CCDFRandomUser(robot::RobotClient& hands, std::uint32_t seed)
-    : hands_(hands), seed_(seed) {
+    : UserAtRandom(hands, seed),
+      wishes_{
+          {"hovers", 4, [this] { hover(); }},
+          {"presses", 3, [this] { pressSomewhere(); }},
+          {"drags", 8, [this] { dragTheCursor(); }},
+          {"axis-edits", 6, [this] { editTheAxis(); }},
+          {"positions", 5, [this] { typeAPosition(); }},
+          {"cursor-switches", 4, [this] { switchTheCursor(); }},
+          {"sources", 3, [this] { chooseASource(); }},
+          {"restarts", 2, [this] { restart(); }},
+          {"starts-and-stops", 4, [this] { startOrStop(); }},
+          {"menus", 1, [this] { openAMenu(); }},
+          {"resizes", 1, [this] { resizeTheWindow(); }},
+      } {
   hands_.giveUpAt("messageBox");
   hands_.setLimit(longPatience);
-}
-
-const std::vector<CCDFRandomUser::Wish>& CCDFRandomUser::wishes() {
-  static const std::vector<Wish> all = {
-      {"hovers", 4, &CCDFRandomUser::hover},
-      {"presses", 3, &CCDFRandomUser::pressSomewhere},
-      {"drags", 8, &CCDFRandomUser::dragTheCursor},
-      {"axis-edits", 6, &CCDFRandomUser::editTheAxis},
-      {"positions", 5, &CCDFRandomUser::typeAPosition},
-      {"cursor-switches", 4, &CCDFRandomUser::switchTheCursor},
-      {"sources", 3, &CCDFRandomUser::chooseASource},
-      {"restarts", 2, &CCDFRandomUser::restart},
-      {"starts-and-stops", 4, &CCDFRandomUser::startOrStop},
-      {"menus", 1, &CCDFRandomUser::openAMenu},
-      {"resizes", 1, &CCDFRandomUser::resizeTheWindow},
-  };
-  return all;
-}
-
-void CCDFRandomUser::act() {
-  // Numbers of its own for each action: one that takes another course changes none after it.
-  std::seed_seq seeds{seed_, static_cast<std::uint32_t>(index_++)};
-  random_.seed(seeds);
-  std::uint32_t weights = 0;
-  for (const Wish& wish : wishes()) weights += wish.weight;
-  std::uint32_t chosen = number(weights);
-  for (const Wish& wish : wishes()) {
-    if (chosen >= wish.weight) {
-      chosen -= wish.weight;
-      continue;
-    }
-    ++counts_[wish.name];
-    try {
-      (this->*wish.carryOut)();
-    } catch (const robot::RobotRefusal& refusal) {
-      ++givenUp_;
-      const std::string reason = refusal.what();
-      const bool isUsual = reason.find("messageBox is in the way") != std::string::npos ||
-                           reason.find("is not enabled") != std::string::npos;
-      if (!isUsual) oddRefusals_ += reason + "\n";
-      clearTheWay();
-    }
-    return;
-  }
 }
 
 void CCDFRandomUser::comeToRest() {
   clearTheWay();
   if (hands_.is("frmCCDF/menuStop", "enabled")) hands_.key("frmCCDF", "Shift+F5");
-}
-
-std::string CCDFRandomUser::summary() const {
-  std::ostringstream text;
-  for (const auto& [name, count] : counts_) text << name << ' ' << count << ", ";
-  text << "given up " << givenUp_;
-  return text.str();
 }
 
 void CCDFRandomUser::hover() {

@@ -74,67 +74,34 @@ const Entry& usualEntry(const Parameter& parameter, std::uint32_t number) {
 }  // namespace
 
 RandomUser::RandomUser(robot::RobotClient& hands, std::uint32_t seed, EdgeTimes edges)
-    : hands_(hands), seed_(seed), edges_(std::move(edges)) {
+    : UserAtRandom(hands, seed),
+      wishes_{
+          {"hovers", 4, [this] { hover(); }},
+          {"presses", 2, [this] { pressSomewhere(); }},
+          {"drags", 7, [this] { dragAnEdge(); }},
+          {"edits", 7, [this] { editAParameter(); }},
+          {"stop-times", 1, [this] { askForTheStopTime(); }},
+          {"starts-and-stops", 4, [this] { startOrStop(); }},
+          {"commands", 2, [this] { tellTheMeter(); }},
+          {"menus", 1, [this] { openAMenu(); }},
+          {"fonts", 1, [this] { chooseAFont(); }},
+          {"comms", 1, [this] { lookAtComms(); }},
+          {"resizes", 1, [this] { resizeAWindow(); }},
+          {"readouts", 2, [this] { showOrHideReadouts(); }},
+      },
+      edges_(std::move(edges)) {
   hands_.giveUpAt("messageBox");
   hands_.setLimit(longPatience);
 }
 
-const std::vector<RandomUser::Wish>& RandomUser::wishes() {
-  static const std::vector<Wish> all = {
-      {"hovers", 4, &RandomUser::hover},
-      {"presses", 2, &RandomUser::pressSomewhere},
-      {"drags", 7, &RandomUser::dragAnEdge},
-      {"edits", 7, &RandomUser::editAParameter},
-      {"stop-times", 1, &RandomUser::askForTheStopTime},
-      {"starts-and-stops", 4, &RandomUser::startOrStop},
-      {"commands", 2, &RandomUser::tellTheMeter},
-      {"menus", 1, &RandomUser::openAMenu},
-      {"fonts", 1, &RandomUser::chooseAFont},
-      {"comms", 1, &RandomUser::lookAtComms},
-      {"resizes", 1, &RandomUser::resizeAWindow},
-      {"readouts", 2, &RandomUser::showOrHideReadouts},
-  };
-  return all;
-}
-
-void RandomUser::act() {
-  // Numbers of its own for each action: one that takes another course changes none after it.
-  std::seed_seq seeds{seed_, static_cast<std::uint32_t>(index_++)};
-  random_.seed(seeds);
-  std::uint32_t weights = 0;
-  for (const Wish& wish : wishes()) weights += wish.weight;
-  std::uint32_t chosen = number(weights);
-  for (const Wish& wish : wishes()) {
-    if (chosen >= wish.weight) {
-      chosen -= wish.weight;
-      continue;
-    }
-    ++counts_[wish.name];
-    try {
-      if (graphMayBeDead() && !oneIn(3)) editAParameter();
-      (this->*wish.carryOut)();
-    } catch (const robot::RobotRefusal& refusal) {
-      ++givenUp_;
-      const std::string reason = refusal.what();
-      const bool isUsual = reason.find("messageBox is in the way") != std::string::npos ||
-                           reason.find("is not enabled") != std::string::npos;
-      if (!isUsual) oddRefusals_ += reason + "\n";
-      clearTheWay();
-    }
-    return;
-  }
+/// On a dead graph most wishes come to nothing: it is mostly brought back first.
+void RandomUser::prepare() {
+  if (graphMayBeDead() && !oneIn(3)) editAParameter();
 }
 
 void RandomUser::comeToRest() {
   clearTheWay();
   if (hands_.is("frmMain/menuStop", "enabled")) hands_.key("frmMain", "Shift+F5");
-}
-
-std::string RandomUser::summary() const {
-  std::ostringstream text;
-  for (const auto& [name, count] : counts_) text << name << ' ' << count << ", ";
-  text << "given up " << givenUp_;
-  return text.str();
 }
 
 void RandomUser::hover() {

@@ -1,0 +1,42 @@
+#include "UserAtRandom.h"
+
+#include <sstream>
+
+namespace endtoend {
+
+void UserAtRandom::act() {
+  // Numbers of its own for each action: one that takes another course changes none after it.
+  std::seed_seq seeds{seed_, static_cast<std::uint32_t>(index_++)};
+  random_.seed(seeds);
+  std::uint32_t weights = 0;
+  for (const Wish& wish : wishes()) weights += wish.weight;
+  std::uint32_t chosen = number(weights);
+  for (const Wish& wish : wishes()) {
+    if (chosen < wish.weight) return carryOut(wish);
+    chosen -= wish.weight;
+  }
+}
+
+void UserAtRandom::carryOut(const Wish& wish) {
+  ++counts_[wish.name];
+  try {
+    prepare();
+    wish.carryOut();
+  } catch (const robot::RobotRefusal& refusal) {
+    ++givenUp_;
+    const std::string reason = refusal.what();
+    const bool isUsual = reason.find("messageBox is in the way") != std::string::npos ||
+                         reason.find("is not enabled") != std::string::npos;
+    if (!isUsual) oddRefusals_ += reason + "\n";
+    clearTheWay();
+  }
+}
+
+std::string UserAtRandom::summary() const {
+  std::ostringstream text;
+  for (const auto& [name, count] : counts_) text << name << ' ' << count << ", ";
+  text << "given up " << givenUp_;
+  return text.str();
+}
+
+}  // namespace endtoend
