@@ -33,9 +33,12 @@ class Reader : public ExchangeReader {
     return readEdit(true) || readEdit(false);
   }
 
+  /// An error that the meter has reported for an earlier command fails the first query or the
+  /// second one, and what the user has edited is told all the same.
   bool readPass() {
-    if (!take("PMPBO 1") && !take("PMPO 1")) return false;
-    const bool failed = takeClear();
+    bool failed = takeClear();
+    if (!failed && !take("PMPBO 1") && !take("PMPO 1")) return false;
+    failed = takeClear() || failed;
     while (readEdit(false)) {
     }
     if (failed) return true;
