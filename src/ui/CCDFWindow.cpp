@@ -33,7 +33,7 @@ CCDFWindow::CCDFWindow() : panel_(new CCDFPanel(this)) {
   buildCursorMenu();
   buildSourceMenu();
   setAcquisitionMenus(false);
-  setCursorMenus(false);
+  CCDFWindow::setCursorMenus(false);
   limitSize();
   resize(QSize(800, 600).boundedTo(screen()->availableSize()).expandedTo(minimumSize()));
 }
