@@ -159,10 +159,11 @@ std::size_t LongRun::countInterruptions(const Events& events) {
   return static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
 }
 
-/// The user typed values that no meter takes: of these it may complain, and of nothing else.
+/// The user typed values that no meter takes, and dragged edges on the hours that they spread over
+/// the graph: of these it may complain, and of nothing else.
 std::string LongRun::refusals(const Events& events) {
-  constexpr std::array typed = {"TRCAPT 1,PMOD,", "TRDLYT 1,PMOD,", "PMPREF 1,DB,",
-                                "PMPSCAL 1,DB,"};
+  constexpr std::array typed = {"TRCAPT 1,PMOD,", "TRDLYT 1,PMOD,", "PMPREF 1,DB,", "PMPSCAL 1,DB,",
+                                "GPTIMST 1,",     "GPTIMSP 1,",     "GPFENST 1,",   "GPFENSP 1,"};
   std::string lines;
   for (const Event& event : events) {
     const bool mayBe = std::any_of(typed.begin(), typed.end(), [&event](const char* command) {
