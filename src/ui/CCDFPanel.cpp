@@ -70,8 +70,10 @@ CCDFPanel::CCDFPanel(QWidget* parent) : QWidget(parent) {
 
 void CCDFPanel::setCaption(QLabel& label, const QString& caption) {
   if (label.text() == caption) return;
+  const QSize before = label.sizeHint();
   label.setText(caption);
-  place();
+  // Most readings are as wide as the one before, and each pass brings some.
+  if (label.sizeHint() != before) place();
 }
 
 void CCDFPanel::showRate(const QString& caption, const QString& toolTip) {
