@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "GraphWindow.h"
 #include "Samples.h"
 #include "ccdf/CCDFCursor.h"
 #include "ccdf/CCDFGraph.h"
@@ -83,19 +84,13 @@ int main(int argc, char** argv) {
 
   CCDFWindow window;
   const CCDFViewGuard view(window);
-  window.show();
   UpdateCursorLabels();
   QWidget* const graph = window.findChild<QWidget*>("CCDFGraphPic");
   window.findChild<QAction*>("menuSecondProfile")->setChecked(true);
-  window.resize(1024, 1024);
-  QCoreApplication::processEvents();
-  window.resize(1024 + 1024 - graph->width(), 1024 + 700 - graph->height());
-  QCoreApplication::processEvents();
+  bench::showWithGraph(window, *graph);
 
   BareGraph bare;
-  bare.resize(graph->size());
-  bare.show();
-  QCoreApplication::processEvents();
+  bench::showBeside(bare, *graph);
   std::printf("CCDF graph %d x %d\n", graph->width(), graph->height());
 
   int pass = 0;

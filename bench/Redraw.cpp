@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "GraphWindow.h"
 #include "Samples.h"
 #include "host/Host.h"
 #include "platform/Services.h"
@@ -119,18 +120,12 @@ int main(int argc, char** argv) {
 
   MainWindow window([] {});
   const ProfileViewGuard view(window);
-  window.show();
   QWidget* const graph = window.findChild<QWidget*>("GraphPic");
   window.findChild<QAction*>("menuSecondProfile")->setChecked(true);
-  window.resize(1024, 1024);
-  QCoreApplication::processEvents();
-  window.resize(1024 + 1024 - graph->width(), 1024 + 700 - graph->height());
-  QCoreApplication::processEvents();
+  bench::showWithGraph(window, *graph);
 
   BareGraph bare;
-  bare.resize(graph->size());
-  bare.show();
-  QCoreApplication::processEvents();
+  bench::showBeside(bare, *graph);
   std::printf("graph %d x %d\n", graph->width(), graph->height());
 
   int pass = 0;

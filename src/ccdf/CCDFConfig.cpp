@@ -1,6 +1,5 @@
 #include "ccdf/CCDFConfig.h"
 
-#include <optional>
 #include <string>
 
 #include "ccdf/CCDFCursor.h"

@@ -1,7 +1,6 @@
 #include "ccdf/CCDFGraph.h"
 
 #include <cmath>
-#include <string>
 #include <vector>
 
 #include "ccdf/CCDFState.h"

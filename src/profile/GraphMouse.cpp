@@ -23,21 +23,7 @@ GateSettings& gateOf(const GrabbedEdge& grabbed) {
 }
 
 /// The time of an edge that is one.
-float& timeOf(const GrabbedEdge& grabbed) {
-  GateSettings& gate = gateOf(grabbed);
-  switch (grabbed.edge) {
-    case GateEdge::stop:
-      return gate.StopTime;
-    case GateEdge::fenceStart:
-      return gate.FenceStart;
-    case GateEdge::fenceStop:
-      return gate.FenceStop;
-    case GateEdge::start:
-    case GateEdge::none:
-      break;
-  }
-  return gate.StartTime;
-}
+float& timeOf(const GrabbedEdge& grabbed) { return gateOf(grabbed).*gateTimeField(grabbed.edge); }
 
 bool isHit(double x, std::int32_t column) { return std::fabs(x - column) <= edgeHitTolerance; }
 
@@ -90,12 +76,12 @@ GrabbedEdge edgeAt(double x) {
     const GateSettings& gate = Settings.Gates[index];
     const auto number = static_cast<std::int16_t>(index + 1);
     if (gate.FenceEnabled != False16) {
-      if (isHit(x, gate.FenceStartX)) found = {GateEdge::fenceStart, number};
-      if (isHit(x, gate.FenceStopX)) found = {GateEdge::fenceStop, number};
+      if (isHit(x, gate.FenceStartX)) found = {GateTime::fenceStart, number};
+      if (isHit(x, gate.FenceStopX)) found = {GateTime::fenceStop, number};
     }
     if (gate.Enabled != False16) {
-      if (isHit(x, gate.StartX)) found = {GateEdge::start, number};
-      if (isHit(x, gate.StopX)) found = {GateEdge::stop, number};
+      if (isHit(x, gate.StartX)) found = {GateTime::start, number};
+      if (isHit(x, gate.StopX)) found = {GateTime::stop, number};
     }
   }
   return found;
@@ -106,25 +92,25 @@ bool edgeMayMoveTo(const GrabbedEdge& grabbed, float seconds) {
   const GateSettings& gate = gateOf(grabbed);
   const bool fenced = gate.FenceEnabled != False16;
   switch (grabbed.edge) {
-    case GateEdge::start:
+    case GateTime::start:
       return seconds > Settings.TriggerDelay && seconds < gate.StopTime &&
              (!fenced || seconds < gate.FenceStart);
-    case GateEdge::stop:
+    case GateTime::stop:
       return seconds > gate.StartTime && seconds < graphStopTime() &&
              (!fenced || seconds > gate.FenceStop);
-    case GateEdge::fenceStart:
+    case GateTime::fenceStart:
       return seconds > gate.StartTime && seconds < gate.FenceStop;
-    case GateEdge::fenceStop:
+    case GateTime::fenceStop:
       return seconds > gate.FenceStart && seconds < gate.StopTime;
-    case GateEdge::none:
+    case GateTime::none:
       break;
   }
   return false;
 }
 
 std::string edgeCaption(const GrabbedEdge& grabbed) {
-  const bool ofFence = grabbed.edge == GateEdge::fenceStart || grabbed.edge == GateEdge::fenceStop;
-  const bool atStart = grabbed.edge == GateEdge::start || grabbed.edge == GateEdge::fenceStart;
+  const bool ofFence = grabbed.edge == GateTime::fenceStart || grabbed.edge == GateTime::fenceStop;
+  const bool atStart = grabbed.edge == GateTime::start || grabbed.edge == GateTime::fenceStart;
   return (ofFence ? "Fence " : "Gate ") + std::to_string(grabbed.gate) +
          (atStart ? " Start " : " Stop ") + FormatTime(timeOf(grabbed));
 }
@@ -174,8 +160,7 @@ void GraphButtonUp() {
   ResumeAcquisition();
   GraphMouse.Dragging = False16;
   if (!writes) return;
-  whenLinkIsFree(
-      [released] { WriteGateConfig(released.gate, static_cast<GateTime>(released.edge)); });
+  whenLinkIsFree([released] { WriteGateConfig(released.gate, released.edge); });
 }
 
 }  // namespace pulsemod

@@ -11,11 +11,8 @@
 
 namespace pulsemod {
 
-/// An edge of a gate; the numbers are those of `GateTime` (startup/WriteMeterConfig.h).
-enum class GateEdge : std::int16_t { none = 0, start = 1, stop = 2, fenceStart = 3, fenceStop = 4 };
-
 struct GrabbedEdge {
-  GateEdge edge = GateEdge::none;
+  GateTime edge = GateTime::none;
   /// 1 to 8, 0 for none.
   std::int16_t gate = 0;
   friend bool operator==(const GrabbedEdge&, const GrabbedEdge&) = default;

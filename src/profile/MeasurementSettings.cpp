@@ -33,6 +33,22 @@ bool shiftTime(float previous, float& shifted) {
 
 std::string onOffText(Boolean16 value) { return value != False16 ? "ON" : "OFF"; }
 
+float GateSettings::*gateTimeField(GateTime time) {
+  switch (time) {
+    case GateTime::start:
+      return &GateSettings::StartTime;
+    case GateTime::stop:
+      return &GateSettings::StopTime;
+    case GateTime::fenceStart:
+      return &GateSettings::FenceStart;
+    case GateTime::fenceStop:
+      return &GateSettings::FenceStop;
+    case GateTime::none:
+      break;
+  }
+  return nullptr;
+}
+
 void InitMeasurementSettings() {
   Settings = MeasurementSettings{};
   activeChannelSettings().AveragingCount = 1;

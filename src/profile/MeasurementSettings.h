@@ -44,6 +44,12 @@ struct GateSettings {
   Boolean16 Enabled = False16;       ///< GPGATS
 };
 
+/// One of the four times of a gate: its ends and those of its fence.
+enum class GateTime : std::int16_t { none = 0, start = 1, stop = 2, fenceStart = 3, fenceStop = 4 };
+
+/// Where a time of a gate stands; null for none.
+float GateSettings::*gateTimeField(GateTime time);
+
 struct MarkerSettings {
   float Reading = 0;             ///< dBm, from MKNO
   float Position = 0;            ///< MKPOS; of the delta marker MKDPOS

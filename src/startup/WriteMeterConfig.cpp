@@ -1,5 +1,6 @@
 #include "startup/WriteMeterConfig.h"
 
+#include <array>
 #include <string>
 
 #include "ccdf/StatisticsAcquisition.h"
@@ -7,7 +8,6 @@
 #include "link/ConfigProgress.h"
 #include "link/MeterLink.h"
 #include "link/NumberText.h"
-#include "profile/MeasurementSettings.h"
 #include "profile/ProfileParameters.h"
 
 namespace pulsemod {
@@ -67,26 +67,14 @@ void writeMarkers(const ConfigProgress& progress) {
 }  // namespace
 
 void WriteGateConfig(int gate, GateTime time) {
-  struct TimeCommand {
-    GateTime time;
-    const char* mnemonic;
-    float GateSettings::*value;
-  };
-  constexpr TimeCommand commands[] = {
-      {GateTime::start, "GPTIMST ", &GateSettings::StartTime},
-      {GateTime::stop, "GPTIMSP ", &GateSettings::StopTime},
-      {GateTime::fenceStart, "GPFENST ", &GateSettings::FenceStart},
-      {GateTime::fenceStop, "GPFENSP ", &GateSettings::FenceStop},
-  };
+  constexpr std::array mnemonics = {"", "GPTIMST ", "GPTIMSP ", "GPFENST ", "GPFENSP "};
   const GateSettings& settings = Settings.Gates[static_cast<std::size_t>(gate - 1)];
   const std::string arguments = ChannelText() + ", " + std::to_string(gate) + ", ";
   SendCommand("GPGATS " + arguments + onOffText(settings.Enabled));
   SendCommand("GPFENS " + arguments + onOffText(settings.FenceEnabled));
-  for (const TimeCommand& command : commands) {
-    if (command.time == time) {
-      SendCommand(command.mnemonic + arguments + numberText(settings.*command.value));
-    }
-  }
+  const auto field = gateTimeField(time);
+  if (field == nullptr) return;
+  SendCommand(mnemonics[static_cast<std::size_t>(time)] + arguments + numberText(settings.*field));
 }
 
 void WriteRepeatConfig() {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include "profile/MeasurementSettings.h"
 
 namespace pulsemod {
 
@@ -11,10 +11,7 @@ namespace pulsemod {
 /// that is a `Fault`, after everything before it was sent.
 void WriteMeterConfig();
 
-/// One of the four times of a gate, with the numbers that the editors use.
-enum class GateTime : std::int16_t { start = 1, stop = 2, fenceStart = 3, fenceStop = 4 };
-
-/// Sends the states of a gate (1 to 8) and of its fence, and then the one time.
+/// Sends the states of a gate (1 to 8) and of its fence, and then the one time, if there is one.
 void WriteGateConfig(int gate, GateTime time);
 
 /// Sends the three settings of the repeat of gate 1.

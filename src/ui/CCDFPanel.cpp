@@ -1,7 +1,7 @@
 #include "ui/CCDFPanel.h"
 
 #include <QHBoxLayout>
-#include <algorithm>
+#include <string>
 
 #include "ccdf/CCDFCursor.h"
 #include "ccdf/CCDFGraph.h"

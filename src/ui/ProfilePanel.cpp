@@ -15,7 +15,6 @@ namespace pulsemod {
 
 ProfilePanel::ProfilePanel(QWidget* parent) : QWidget(parent) {
   setUpFace(*this);
-
   setUpRule(rule_);
 
   graph_.setObjectName(QStringLiteral("GraphPic"));

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <sstream>
 #include <utility>
 
@@ -11,8 +10,6 @@ namespace endtoend {
 namespace {
 
 constexpr auto graph = "frmCCDF/CCDFGraphPic";
-constexpr std::chrono::milliseconds shortPatience{3000};
-constexpr std::chrono::milliseconds longPatience{60000};
 constexpr auto positionCommand = "TTMKPOS 1,";
 constexpr auto switchCommand = "TTMKS 1,";
 
@@ -67,10 +64,7 @@ CCDFRandomUser::CCDFRandomUser(robot::RobotClient& hands, std::uint32_t seed)
           {"starts-and-stops", 4, [this] { startOrStop(); }},
           {"menus", 1, [this] { openAMenu(); }},
           {"resizes", 1, [this] { resizeTheWindow(); }},
-      } {
-  hands_.giveUpAt("messageBox");
-  hands_.setLimit(longPatience);
-}
+      } {}
 
 void CCDFRandomUser::comeToRest() {
   clearTheWay();
@@ -259,18 +253,6 @@ void CCDFRandomUser::release() {
   } else {
     lastEdits_.erase(positionCommand);
   }
-}
-
-/// An item that went grey meanwhile is soon given up.
-void CCDFRandomUser::trigger(const std::string& item) {
-  hands_.setLimit(shortPatience);
-  try {
-    hands_.trigger(item);
-  } catch (...) {
-    hands_.setLimit(longPatience);
-    throw;
-  }
-  hands_.setLimit(longPatience);
 }
 
 void CCDFRandomUser::clearTheWay() {

@@ -59,7 +59,6 @@ class CCDFRandomUser : public UserAtRandom {
   void disturbThePress();
   void release();
   void answerTheInputBox();
-  void trigger(const std::string& item);
 
   std::vector<Wish> wishes_;
   std::map<std::string, std::string> lastEdits_;

@@ -1,7 +1,6 @@
 #include "RandomUser.h"
 
 #include <array>
-#include <chrono>
 #include <sstream>
 #include <utility>
 
@@ -10,8 +9,6 @@ namespace endtoend {
 namespace {
 
 constexpr auto graph = "frmMain/GraphPic";
-constexpr std::chrono::milliseconds shortPatience{3000};
-constexpr std::chrono::milliseconds longPatience{60000};
 
 /// What is typed into a box, and the number that the meter must get; empty for none.
 struct Entry {
@@ -89,10 +86,7 @@ RandomUser::RandomUser(robot::RobotClient& hands, std::uint32_t seed, EdgeTimes 
           {"resizes", 1, [this] { resizeAWindow(); }},
           {"readouts", 2, [this] { showOrHideReadouts(); }},
       },
-      edges_(std::move(edges)) {
-  hands_.giveUpAt("messageBox");
-  hands_.setLimit(longPatience);
-}
+      edges_(std::move(edges)) {}
 
 /// On a dead graph most wishes come to nothing: it is mostly brought back first.
 void RandomUser::prepare() {
@@ -306,18 +300,6 @@ void RandomUser::rememberEdge() {
   const EdgeLabel label = readEdgeLabel(hands_.get("lblgate", "text"));
   edges_[label.edge] = secondsOf(label.time);
   if (label.dragged) lastDrags_[label.edge] = label.time;
-}
-
-/// An item that went grey meanwhile is soon given up.
-void RandomUser::trigger(const std::string& item) {
-  hands_.setLimit(shortPatience);
-  try {
-    hands_.trigger(item);
-  } catch (...) {
-    hands_.setLimit(longPatience);
-    throw;
-  }
-  hands_.setLimit(longPatience);
 }
 
 void RandomUser::clearTheWay() {

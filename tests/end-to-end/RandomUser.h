@@ -61,7 +61,6 @@ class RandomUser : public UserAtRandom {
   std::size_t parameterToBlame() const;
   void rememberEdge();
   void answerTheInputBox();
-  void trigger(const std::string& item);
 
   std::vector<Wish> wishes_;
   EdgeTimes edges_;

@@ -1,8 +1,33 @@
 #include "UserAtRandom.h"
 
+#include <chrono>
 #include <sstream>
 
 namespace endtoend {
+
+namespace {
+
+constexpr std::chrono::milliseconds shortPatience{3000};
+constexpr std::chrono::milliseconds longPatience{60000};
+
+}  // namespace
+
+UserAtRandom::UserAtRandom(robot::RobotClient& hands, std::uint32_t seed)
+    : hands_(hands), seed_(seed) {
+  hands_.giveUpAt("messageBox");
+  hands_.setLimit(longPatience);
+}
+
+void UserAtRandom::trigger(const std::string& item) {
+  hands_.setLimit(shortPatience);
+  try {
+    hands_.trigger(item);
+  } catch (...) {
+    hands_.setLimit(longPatience);
+    throw;
+  }
+  hands_.setLimit(longPatience);
+}
 
 void UserAtRandom::act() {
   // Numbers of its own for each action: one that takes another course changes none after it.

@@ -35,7 +35,7 @@ class UserAtRandom {
 
   /// The same seed gives the same wishes; what comes of each depends on the program's speed as
   /// well.
-  UserAtRandom(robot::RobotClient& hands, std::uint32_t seed) : hands_(hands), seed_(seed) {}
+  UserAtRandom(robot::RobotClient& hands, std::uint32_t seed);
   ~UserAtRandom() = default;
   UserAtRandom(const UserAtRandom&) = delete;
   UserAtRandom& operator=(const UserAtRandom&) = delete;
@@ -45,6 +45,9 @@ class UserAtRandom {
   virtual void prepare() {}
   /// Lets go of the button and closes all boxes and menus.
   virtual void clearTheWay() = 0;
+
+  /// Chooses a menu item; one that went grey meanwhile is soon given up.
+  void trigger(const std::string& item);
 
   std::uint32_t number(std::uint32_t below) {
     return static_cast<std::uint32_t>(random_() % below);

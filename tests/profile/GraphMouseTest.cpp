@@ -19,7 +19,7 @@ namespace {
 
 constexpr GrabbedEdge noEdge{};
 
-GrabbedEdge edgeOf(int gate, GateEdge edge) { return {edge, static_cast<std::int16_t>(gate)}; }
+GrabbedEdge edgeOf(int gate, GateTime edge) { return {edge, static_cast<std::int16_t>(gate)}; }
 
 /// 200 points over 20 ms: column x stands at x times 100 us.
 class GraphEdgesTest : public ProfileTest {
@@ -60,10 +60,10 @@ TEST_F(GraphEdgesTest, EachEdgeIsHitWithinThreePoints) {
     for (GateSettings& other : Settings.Gates) other.FenceEnabled = False16;
     putGate(number, 20, 140);
     putFence(number, 60, 100);
-    const std::vector<std::pair<double, GateEdge>> edges = {{20, GateEdge::start},
-                                                            {60, GateEdge::fenceStart},
-                                                            {100, GateEdge::fenceStop},
-                                                            {140, GateEdge::stop}};
+    const std::vector<std::pair<double, GateTime>> edges = {{20, GateTime::start},
+                                                            {60, GateTime::fenceStart},
+                                                            {100, GateTime::fenceStop},
+                                                            {140, GateTime::stop}};
     for (const auto& [column, edge] : edges) {
       for (const double offset : {-3.0, -2.5, 0.0, 0.001, 2.99, 3.0}) {
         EXPECT_EQ(edgeAt(column + offset), edgeOf(number, edge)) << column << " + " << offset;
@@ -79,8 +79,8 @@ TEST_F(GraphEdgesTest, FenceOfAGateThatIsOffIsHit) {
   putGate(3, 20, 140);
   putFence(3, 60, 100);
   gate(3).Enabled = False16;
-  EXPECT_EQ(edgeAt(60), edgeOf(3, GateEdge::fenceStart));
-  EXPECT_EQ(edgeAt(100), edgeOf(3, GateEdge::fenceStop));
+  EXPECT_EQ(edgeAt(60), edgeOf(3, GateTime::fenceStart));
+  EXPECT_EQ(edgeAt(100), edgeOf(3, GateTime::fenceStop));
   EXPECT_EQ(edgeAt(20), noEdge);
   EXPECT_EQ(edgeAt(140), noEdge);
 }
@@ -96,13 +96,13 @@ TEST_F(GraphEdgesTest, FenceThatIsOffIsNotHit) {
 TEST_F(GraphEdgesTest, LastOfSeveralMatchesCountsHoweverNear) {
   struct Row {
     double start, fenceStart, fenceStop, stop;
-    GateEdge found;
+    GateTime found;
   };
   // All within reach of column 20, the nearest of them always another than the one that counts.
   const std::vector<Row> rows = {
-      {90, 20, 22, 120, GateEdge::fenceStop}, {22, 20, 100, 120, GateEdge::start},
-      {22, 90, 20, 120, GateEdge::start},     {20, 90, 100, 23, GateEdge::stop},
-      {20, 20, 20, 23, GateEdge::stop},       {18, 20, 20, 120, GateEdge::start},
+      {90, 20, 22, 120, GateTime::fenceStop}, {22, 20, 100, 120, GateTime::start},
+      {22, 90, 20, 120, GateTime::start},     {20, 90, 100, 23, GateTime::stop},
+      {20, 20, 20, 23, GateTime::stop},       {18, 20, 20, 120, GateTime::start},
   };
   for (const Row& row : rows) {
     putGate(1, row.start, row.stop);
@@ -114,20 +114,20 @@ TEST_F(GraphEdgesTest, LastOfSeveralMatchesCountsHoweverNear) {
 TEST_F(GraphEdgesTest, HigherGateWinsOverALowerOne) {
   putGate(1, 20, 100);
   putGate(2, 22, 120);
-  EXPECT_EQ(edgeAt(21), edgeOf(2, GateEdge::start));
-  EXPECT_EQ(edgeAt(20), edgeOf(2, GateEdge::start));
-  EXPECT_EQ(edgeAt(18), edgeOf(1, GateEdge::start));
+  EXPECT_EQ(edgeAt(21), edgeOf(2, GateTime::start));
+  EXPECT_EQ(edgeAt(20), edgeOf(2, GateTime::start));
+  EXPECT_EQ(edgeAt(18), edgeOf(1, GateTime::start));
   // Even its fence wins over the gate edge of the lower one.
   putGate(1, 10, 50);
   putGate(8, 70, 120);
   putFence(8, 52, 90);
-  EXPECT_EQ(edgeAt(50), edgeOf(8, GateEdge::fenceStart));
+  EXPECT_EQ(edgeAt(50), edgeOf(8, GateTime::fenceStart));
 }
 
 /// An edge may stand strictly between `lower` and `upper`.
 struct Limits {
   const char* name;
-  GateEdge edge;
+  GateTime edge;
   bool fenced;
   float lower;
   float upper;
@@ -137,14 +137,14 @@ class EdgeLimits : public GraphEdgesTest, public ::testing::WithParamInterface<L
 
 INSTANTIATE_TEST_SUITE_P(
     Edges, EdgeLimits,
-    ::testing::Values(Limits{"Start", GateEdge::start, false, 0.001F, 0.01F},
-                      Limits{"StartWithFence", GateEdge::start, true, 0.001F, 0.006F},
-                      Limits{"Stop", GateEdge::stop, false, 0.004F, 0.021F},
-                      Limits{"StopWithFence", GateEdge::stop, true, 0.008F, 0.021F},
-                      Limits{"FenceStart", GateEdge::fenceStart, true, 0.004F, 0.008F},
-                      Limits{"FenceStartThatIsOff", GateEdge::fenceStart, false, 0.004F, 0.008F},
-                      Limits{"FenceStop", GateEdge::fenceStop, true, 0.006F, 0.01F},
-                      Limits{"FenceStopThatIsOff", GateEdge::fenceStop, false, 0.006F, 0.01F}),
+    ::testing::Values(Limits{"Start", GateTime::start, false, 0.001F, 0.01F},
+                      Limits{"StartWithFence", GateTime::start, true, 0.001F, 0.006F},
+                      Limits{"Stop", GateTime::stop, false, 0.004F, 0.021F},
+                      Limits{"StopWithFence", GateTime::stop, true, 0.008F, 0.021F},
+                      Limits{"FenceStart", GateTime::fenceStart, true, 0.004F, 0.008F},
+                      Limits{"FenceStartThatIsOff", GateTime::fenceStart, false, 0.004F, 0.008F},
+                      Limits{"FenceStop", GateTime::fenceStop, true, 0.006F, 0.01F},
+                      Limits{"FenceStopThatIsOff", GateTime::fenceStop, false, 0.006F, 0.01F}),
     [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_P(EdgeLimits, AreStrict) {
@@ -168,11 +168,11 @@ TEST_P(EdgeLimits, AreStrict) {
 TEST_F(GraphEdgesTest, EndsOfTheGateHoldAlthoughTheFenceLiesOutside) {
   putGate(1, 40, 100);
   putFence(1, 120, 130);
-  EXPECT_TRUE(edgeMayMoveTo(edgeOf(1, GateEdge::start), timeAt(99)));
-  EXPECT_FALSE(edgeMayMoveTo(edgeOf(1, GateEdge::start), timeAt(110)));
+  EXPECT_TRUE(edgeMayMoveTo(edgeOf(1, GateTime::start), timeAt(99)));
+  EXPECT_FALSE(edgeMayMoveTo(edgeOf(1, GateTime::start), timeAt(110)));
   putFence(1, 10, 20);
-  EXPECT_TRUE(edgeMayMoveTo(edgeOf(1, GateEdge::stop), timeAt(41)));
-  EXPECT_FALSE(edgeMayMoveTo(edgeOf(1, GateEdge::stop), timeAt(30)));
+  EXPECT_TRUE(edgeMayMoveTo(edgeOf(1, GateTime::stop), timeAt(41)));
+  EXPECT_FALSE(edgeMayMoveTo(edgeOf(1, GateTime::stop), timeAt(30)));
 }
 
 TEST_F(GraphEdgesTest, EndOfTheGraphIsTheTimeThatItsLabelShows) {
@@ -181,25 +181,25 @@ TEST_F(GraphEdgesTest, EndOfTheGraphIsTheTimeThatItsLabelShows) {
   gate(1).StartTime = 0.00031F;
   // The sum of the singles lies beyond the time that the texts of the two add up to.
   ASSERT_GT(Settings.TriggerDelay + Settings.CaptureTime, 0.0004F);
-  EXPECT_FALSE(edgeMayMoveTo(edgeOf(1, GateEdge::stop), 0.0004F));
-  EXPECT_TRUE(edgeMayMoveTo(edgeOf(1, GateEdge::stop), std::nextafter(0.0004F, 0.0F)));
+  EXPECT_FALSE(edgeMayMoveTo(edgeOf(1, GateTime::stop), 0.0004F));
+  EXPECT_TRUE(edgeMayMoveTo(edgeOf(1, GateTime::stop), std::nextafter(0.0004F, 0.0F)));
 }
 
 TEST_F(GraphEdgesTest, NoEdgeMayMoveAnywhere) {
   EXPECT_FALSE(edgeMayMoveTo(noEdge, 0.0002F));
-  EXPECT_FALSE(edgeMayMoveTo(edgeOf(1, GateEdge::none), 0.0002F));
-  EXPECT_FALSE(edgeMayMoveTo(edgeOf(0, GateEdge::start), 0.0002F));
+  EXPECT_FALSE(edgeMayMoveTo(edgeOf(1, GateTime::none), 0.0002F));
+  EXPECT_FALSE(edgeMayMoveTo(edgeOf(0, GateTime::start), 0.0002F));
 }
 
 TEST_F(GraphEdgesTest, CaptionNamesTheEdgeAndItsTime) {
-  EXPECT_EQ(edgeCaption(edgeOf(1, GateEdge::start)), "Gate 1 Start 100us");
-  EXPECT_EQ(edgeCaption(edgeOf(2, GateEdge::stop)), "Gate 2 Stop 577us");
-  EXPECT_EQ(edgeCaption(edgeOf(3, GateEdge::fenceStart)), "Fence 3 Start 225us");
-  EXPECT_EQ(edgeCaption(edgeOf(8, GateEdge::fenceStop)), "Fence 8 Stop 321us");
+  EXPECT_EQ(edgeCaption(edgeOf(1, GateTime::start)), "Gate 1 Start 100us");
+  EXPECT_EQ(edgeCaption(edgeOf(2, GateTime::stop)), "Gate 2 Stop 577us");
+  EXPECT_EQ(edgeCaption(edgeOf(3, GateTime::fenceStart)), "Fence 3 Start 225us");
+  EXPECT_EQ(edgeCaption(edgeOf(8, GateTime::fenceStop)), "Fence 8 Stop 321us");
   gate(4).StopTime = 0.0046F;
-  EXPECT_EQ(edgeCaption(edgeOf(4, GateEdge::stop)), "Gate 4 Stop 4.6ms");
+  EXPECT_EQ(edgeCaption(edgeOf(4, GateTime::stop)), "Gate 4 Stop 4.6ms");
   gate(4).StartTime = 0;
-  EXPECT_EQ(edgeCaption(edgeOf(4, GateEdge::start)), "Gate 4 Start 0.0s");
+  EXPECT_EQ(edgeCaption(edgeOf(4, GateTime::start)), "Gate 4 Start 0.0s");
 }
 
 TEST(EdgeLabelPlace, StaysInsideTheRightAndTheBottomEdge) {
@@ -271,7 +271,7 @@ class GraphMouseTest : public GraphEdgesTest {
   static Transcript writtenStart(const std::string& time) {
     return {"GPGATS 1, 1, ON", "GPFENS 1, 1, ON", "GPTIMST 1, 1, " + time};
   }
-  double lineAt(int gateNumber, GateEdge edge) const {
+  double lineAt(int gateNumber, GateTime edge) const {
     const auto offset = static_cast<std::size_t>(edge) - 1;
     return view.gateLines[static_cast<std::size_t>(gateNumber - 1) * linesPerGate + offset].x;
   }
@@ -390,7 +390,7 @@ TEST_F(GraphMouseTest, PressBesideTheEdgesMovesAndSendsNothing) {
 /// A drag of each edge, on either link.
 struct Drag {
   const char* name;
-  GateEdge edge;
+  GateTime edge;
   double from;
   double to;
   float GateSettings::*time;
@@ -403,13 +403,13 @@ class DraggedEdge : public GraphMouseTest, public ::testing::WithParamInterface<
 
 INSTANTIATE_TEST_SUITE_P(
     Edges, DraggedEdge,
-    ::testing::Values(Drag{"Start", GateEdge::start, 20, 30, &GateSettings::StartTime,
+    ::testing::Values(Drag{"Start", GateTime::start, 20, 30, &GateSettings::StartTime,
                            &GateSettings::StartX, "GPTIMST 1, 1, 0.003", "Gate 1 Start 3ms"},
-                      Drag{"Stop", GateEdge::stop, 142.5, 150, &GateSettings::StopTime,
+                      Drag{"Stop", GateTime::stop, 142.5, 150, &GateSettings::StopTime,
                            &GateSettings::StopX, "GPTIMSP 1, 1, 0.015", "Gate 1 Stop 15ms"},
-                      Drag{"FenceStart", GateEdge::fenceStart, 58, 50, &GateSettings::FenceStart,
+                      Drag{"FenceStart", GateTime::fenceStart, 58, 50, &GateSettings::FenceStart,
                            &GateSettings::FenceStartX, "GPFENST 1, 1, 0.005", "Fence 1 Start 5ms"},
-                      Drag{"FenceStop", GateEdge::fenceStop, 100, 120, &GateSettings::FenceStop,
+                      Drag{"FenceStop", GateTime::fenceStop, 100, 120, &GateSettings::FenceStop,
                            &GateSettings::FenceStopX, "GPFENSP 1, 1, 0.012", "Fence 1 Stop 12ms"}),
     [](const auto& tested) { return std::string(tested.param.name); });
 
@@ -477,7 +477,7 @@ TEST_F(GraphMouseTest, EdgeStaysAtTheLastPositionInsideItsLimitsAndComesBack) {
   EXPECT_EQ(gate(1).StartTime, timeAt(55));
   moveTo(150);
   EXPECT_EQ(gate(1).StartTime, timeAt(55));
-  EXPECT_EQ(lineAt(1, GateEdge::start), 55);
+  EXPECT_EQ(lineAt(1, GateTime::start), 55);
   expectLabel("* Gate 1 Start 5.5ms");
   EXPECT_EQ(view.edgeLabel.topLeft.x, 150);
   moveTo(0);  // the graph's left end
@@ -651,8 +651,8 @@ TEST_F(GraphMouseTest, RepeatFollowsGateOneAndOnlyThatIsWritten) {
   expectLabel("* Gate 1 Start 3ms");
   EXPECT_EQ(gate(2).StartTime, timeAt(90));
   EXPECT_EQ(gate(3).StartTime, timeAt(150));
-  EXPECT_EQ(lineAt(2, GateEdge::start), 90);
-  EXPECT_EQ(lineAt(3, GateEdge::start), 150);
+  EXPECT_EQ(lineAt(2, GateTime::start), 90);
+  EXPECT_EQ(lineAt(3, GateTime::start), 150);
   EXPECT_EQ(gate(2).StopTime, timeAt(110));
   GraphButtonUp();
   EXPECT_EQ(received(), (Transcript{"GPGATS 1, 1, ON", "GPFENS 1, 1, OFF", "GPTIMST 1, 1, 0.003"}));
