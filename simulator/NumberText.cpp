@@ -74,24 +74,19 @@ void appendInteger(std::string& out, std::int64_t value) {
 }
 
 void appendScaled(std::string& out, std::int64_t value, int decimals) {
-  std::array<char, 24> buffer{};
+  // From the last digit to the first: a curve has hundreds of these.
+  std::array<char, 48> buffer{};
+  char* const end = buffer.data() + buffer.size();
+  char* first = end;
   const bool negative = value < 0;
-  const auto magnitude =
-      negative ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
-  const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), magnitude);
-  const auto length = static_cast<int>(result.ptr - buffer.data());
-  if (negative) out += '-';
-  if (length <= decimals) {
-    out += "0.";
-    out.append(static_cast<std::size_t>(decimals - length), '0');
-    out.append(buffer.data(), result.ptr);
-    return;
+  auto left = negative ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
+  for (int digit = 0; digit <= decimals || left > 0; ++digit) {
+    if (decimals > 0 && digit == decimals) *--first = '.';
+    *--first = static_cast<char>('0' + left % 10);
+    left /= 10;
   }
-  out.append(buffer.data(), result.ptr - decimals);
-  if (decimals > 0) {
-    out += '.';
-    out.append(result.ptr - decimals, result.ptr);
-  }
+  if (negative) *--first = '-';
+  out.append(first, end);
 }
 
 }  // namespace simmeter

@@ -59,9 +59,9 @@ float HostClock::secondsSinceMidnight() const {
 
 void HostClock::sleep(int milliseconds) {
   using std::chrono::steady_clock;
-  // A sleeper is woken some 0.1 ms late. Twice a pass that would be a percent of the rate, so the
-  // last stretch is waited out awake.
-  constexpr std::chrono::microseconds awake(120);
+  // A sleeper is woken 0.1 to 0.2 ms late. Twice a pass that would be some percent of the rate, so
+  // the last stretch is waited out awake.
+  constexpr std::chrono::microseconds awake(250);
   // The end is fixed beforehand: an interrupted sleep goes on and does not drift.
   const auto end = steady_clock::now() + std::chrono::milliseconds(milliseconds);
   while (steady_clock::now() < end - awake) std::this_thread::sleep_until(end - awake);

@@ -18,6 +18,7 @@ constexpr std::array<const char*, decadeLabels> decadeCaptions = {"100%", "10%",
                                                                   ".1%",  ".01%", ".001%"};
 
 QString widestPower() { return QStringLiteral("-188.888dBm"); }
+QString widestPercentage() { return QStringLiteral("88.88888%"); }
 
 /// In the cursor's frame, which grows when a caption needs more.
 void reserve(QLabel& label, const QString& sample) {
@@ -39,14 +40,13 @@ CCDFPanel::CCDFPanel(QWidget* parent) : QWidget(parent) {
 
   setUpLabel(source_, "lblMeasSource", QStringLiteral("What the CCDF is computed from"));
   setUpRateLabel(rate_, "lblgraphspeed1");
-  rate_.setAlignment(Qt::AlignCenter);
   cursor_.setObjectName(QStringLiteral("FrameCursor"));
   cursor_.setFrameShape(QFrame::Box);
   setUpLabel(cursorPower_, "lblCursorPower", QStringLiteral("The cursor's power"));
   setUpLabel(cursorPercentage_, "lblCursorPercentage",
              QStringLiteral("The share of time above the cursor's power"));
   reserve(cursorPower_, widestPower());
-  reserve(cursorPercentage_, QStringLiteral("88.88888%"));
+  reserve(cursorPercentage_, widestPercentage());
   auto* const cursorLayout = new QHBoxLayout(&cursor_);
   cursorLayout->setContentsMargins(2, 1, 2, 1);
   cursorLayout->setSpacing(0);
@@ -77,13 +77,13 @@ void CCDFPanel::setCaption(QLabel& label, const QString& caption) {
 }
 
 void CCDFPanel::showRate(const QString& caption, const QString& toolTip) {
-  if (rate_.toolTip() != toolTip) rate_.setToolTip(toolTip);
-  setCaption(rate_, caption);
+  if (pulsemod::showRate(rate_, caption, toolTip)) place();
 }
 
 void CCDFPanel::showCursor(const QString& power, const QString& percentage, double x) {
-  setCaption(cursorPower_, power);
-  setCaption(cursorPercentage_, percentage);
+  const bool powerGrew = showNumber(cursorPower_, power, widestPower());
+  const bool percentageGrew = showNumber(cursorPercentage_, percentage, widestPercentage());
+  if (powerGrew || percentageGrew) place();
   graph_.placeLines({{x, look::cursorLine, false}});
   cursor_.show();
 }
@@ -96,7 +96,7 @@ void CCDFPanel::hideCursor() {
 CCDFPartSizes CCDFPanel::partSizes() const {
   // With room for the usual captions, so that a changing one moves nothing else.
   CCDFPartSizes sizes{widerThan(source_, QStringLiteral("SOURCE:CHANNEL")),
-                      widerThan(rate_, QStringLiteral("Profile/Second: 888.88")),
+                      widerThan(rate_, widestRate()),
                       cursor_.sizeHint(),
                       {},
                       startPower_.sizeHint(),

@@ -8,6 +8,7 @@
 #include "ui/CCDFLayout.h"
 #include "ui/GraphWidget.h"
 #include "ui/ParameterLabel.h"
+#include "ui/RateLabel.h"
 
 namespace pulsemod {
 
@@ -40,7 +41,7 @@ class CCDFPanel : public QWidget {
 
   QWidget rule_{this};
   QLabel source_{this};
-  QLabel rate_{this};
+  RateLabel rate_{this};
   QFrame cursor_{this};
   QLabel cursorPower_{&cursor_};
   QLabel cursorPercentage_{&cursor_};

@@ -63,6 +63,22 @@ QSize widerThan(const QLabel& label, const QString& sample) {
   return label.sizeHint().expandedTo({textWidth + margins.left() + margins.right(), 0});
 }
 
+QString widestRate() { return QStringLiteral("Profile/Second: 888.88"); }
+
+bool showNumber(QLabel& label, const QString& caption, const QString& sample) {
+  if (label.text() == caption) return false;
+  label.setText(caption);
+  // Measuring a text takes longer than drawing it. No part of a number is wider than an 8 but for
+  // the letter of an exponent.
+  if (caption.size() <= sample.size() && !caption.contains(QLatin1Char('E'))) return false;
+  return label.sizeHint().width() > label.width();
+}
+
+bool showRate(QLabel& label, const QString& caption, const QString& toolTip) {
+  if (label.toolTip() != toolTip) label.setToolTip(toolTip);
+  return showNumber(label, caption, widestRate());
+}
+
 void drawWithoutBox(QObject* context, const std::function<void()>& drawing) {
   if (GraphFaultReported) {
     drawOrReportOnce(drawing);

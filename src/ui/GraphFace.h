@@ -29,6 +29,14 @@ void setUpParameter(ParameterLabel& label, const char* name, const QString& mean
 
 /// What the label needs for its caption or for `sample`, whichever is wider.
 QSize widerThan(const QLabel& label, const QString& sample);
+/// The widest rate that is usual.
+QString widestRate();
+
+/// Shows a number that changes with each pass, in a label with room for `sample`. True when that is
+/// too little: lay out anew.
+bool showNumber(QLabel& label, const QString& caption, const QString& sample);
+/// The same for a rate and its tool tip.
+bool showRate(QLabel& label, const QString& caption, const QString& toolTip);
 
 /// Draws a graph in the middle of a resize. The box of a fault must wait until the resize is over:
 /// the window could be resized under it, and the layout of a main window does not survive a resize

@@ -19,6 +19,9 @@ namespace {
 /// The rasteriser's own limit is 32767 device pixels; lines stay well below it.
 constexpr double farthestPixel = 16000;
 
+/// No screen shows more than 60 pictures a second.
+constexpr int paintIntervalMs = 16;
+
 /// An event after which the release of a button goes elsewhere.
 bool losesMouse(QEvent::Type type) {
   return type == QEvent::WindowDeactivate || type == QEvent::WindowBlocked || type == QEvent::Hide;
@@ -56,8 +59,19 @@ bool DeviceScale::map(const PicturePoint& point, QPoint& pixel) const {
 }
 
 GraphWidget::GraphWidget(QWidget* parent)
-    : QWidget(parent), recorder_([this] { return textHeightShare(); }, [this] { update(); }) {
+    : QWidget(parent), recorder_([this] { return textHeightShare(); }, [this] { paintInTime(); }) {
   setAttribute(Qt::WA_OpaquePaintEvent);
+  paintTimer_.setSingleShot(true);
+  paintTimer_.setTimerType(Qt::PreciseTimer);
+  paintTimer_.callOnTimeout(this, [this] { update(); });
+}
+
+void GraphWidget::paintInTime() {
+  if (!sincePaint_.isValid() || sincePaint_.hasExpired(paintIntervalMs)) {
+    update();
+  } else if (!paintTimer_.isActive()) {
+    paintTimer_.start(static_cast<int>(paintIntervalMs - sincePaint_.elapsed()));
+  }
 }
 
 void GraphWidget::placeLines(std::vector<VerticalLine> lines) {
@@ -162,6 +176,8 @@ double GraphWidget::textHeightShare() const {
 }
 
 void GraphWidget::paintEvent(QPaintEvent* /*event*/) {
+  sincePaint_.start();
+  paintTimer_.stop();
   ratio_ = devicePixelRatioF();
   penWidth_ = std::max(1, static_cast<int>(std::lround(ratio_)));
   const QSize deviceSize(static_cast<int>(std::ceil(width() * ratio_)),

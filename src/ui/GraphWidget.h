@@ -1,10 +1,12 @@
 #pragma once
 
 #include <QColor>
+#include <QElapsedTimer>
 #include <QLine>
 #include <QPixmap>
 #include <QPoint>
 #include <QStaticText>
+#include <QTimer>
 #include <QWidget>
 #include <functional>
 #include <string>
@@ -52,7 +54,8 @@ struct VerticalLine {
 };
 
 /// A graph: shows the last finished drawing of `picture()` and, above it, vertical lines. An expose
-/// paints both again without asking anybody.
+/// paints both again without asking anybody. Drawings that follow each other faster than a screen
+/// shows pictures are not all painted; the last one always is.
 class GraphWidget : public QWidget {
  public:
   explicit GraphWidget(QWidget* parent = nullptr);
@@ -84,6 +87,8 @@ class GraphWidget : public QWidget {
   /// When the present change of the windows is complete: the release may let events run while it
   /// tells the meter, and a window that is half hidden or half blocked cannot stand that.
   void endPressLater();
+  /// A drawing is finished: paints it, at the latest when the next picture is due.
+  void paintInTime();
   double textHeightShare() const;
   void prepareBackground(const QSize& deviceSize);
   void paintSteps(QPainter& painter, const DeviceScale& scale, std::size_t first, std::size_t last);
@@ -96,6 +101,9 @@ class GraphWidget : public QWidget {
   std::vector<VerticalLine> lines_;
   GraphMouseHandlers mouse_;
   bool pressed_ = false;
+
+  QElapsedTimer sincePaint_;
+  QTimer paintTimer_;
 
   QPixmap background_;
   /// What `background_` shows.

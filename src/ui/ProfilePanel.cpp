@@ -96,10 +96,7 @@ void ProfilePanel::setGraphLabel(GraphLabel label, const QString& caption) {
 }
 
 void ProfilePanel::showRate(const QString& caption, const QString& toolTip) {
-  if (rate_.toolTip() != toolTip) rate_.setToolTip(toolTip);
-  if (rate_.text() == caption) return;
-  rate_.setText(caption);
-  if (rate_.sizeHint().width() != rate_.width()) place();
+  if (pulsemod::showRate(rate_, caption, toolTip)) place();
 }
 
 void ProfilePanel::setGraphFont(const QFont& chosen) {
@@ -109,17 +106,18 @@ void ProfilePanel::setGraphFont(const QFont& chosen) {
 }
 
 ProfileLabelSizes ProfilePanel::labelSizes() const {
-  return {reference_.sizeHint(), rate_.sizeHint(),    scale_.sizeHint(),
-          start_.sizeHint(),     capture_.sizeHint(), stop_.sizeHint()};
+  // With room for the usual rate, which changes with each pass.
+  return {reference_.sizeHint(), widerThan(rate_, widestRate()),
+          scale_.sizeHint(),     start_.sizeHint(),
+          capture_.sizeHint(),   stop_.sizeHint()};
 }
 
 QSize ProfilePanel::smallestArea() const {
   const QString time = QStringLiteral("-888.888ms");
-  return smallestProfileArea({widerThan(reference_, QStringLiteral("Ref: -188.88 dBm")),
-                              widerThan(rate_, QStringLiteral("Profile/Second: 888.88")),
-                              widerThan(scale_, QStringLiteral("Scale: 88.88 dB")),
-                              widerThan(start_, time), widerThan(capture_, time),
-                              widerThan(stop_, time)});
+  return smallestProfileArea(
+      {widerThan(reference_, QStringLiteral("Ref: -188.88 dBm")), widerThan(rate_, widestRate()),
+       widerThan(scale_, QStringLiteral("Scale: 88.88 dB")), widerThan(start_, time),
+       widerThan(capture_, time), widerThan(stop_, time)});
 }
 
 void ProfilePanel::place() {

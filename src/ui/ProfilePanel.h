@@ -9,6 +9,7 @@
 #include "ui/GraphWidget.h"
 #include "ui/ParameterLabel.h"
 #include "ui/ProfileLayout.h"
+#include "ui/RateLabel.h"
 
 namespace pulsemod {
 
@@ -53,7 +54,7 @@ class ProfilePanel : public QWidget {
 
   QWidget rule_{this};
   ParameterLabel reference_{this};
-  QLabel rate_{this};
+  RateLabel rate_{this};
   ParameterLabel scale_{this};
   GraphWidget graph_{this};
   /// Over the graph, and not its child: its font is not the graph's, which is the user's choice.

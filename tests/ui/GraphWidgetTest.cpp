@@ -1,4 +1,6 @@
+#include <QElapsedTimer>
 #include <QImage>
+#include <QScreen>
 #include <cmath>
 #include <limits>
 
@@ -84,6 +86,7 @@ class GraphWidgetTest : public QObject {
   void gateLinesTakeNoMouse();
   void wildValues();
   void scaleWithoutExtent();
+  void fastDrawingsAreNotAllPaintedButTheLastOneIs();
 };
 
 /// 200 points over 2010 pixels, seen through the drawing that the program makes.
@@ -378,6 +381,43 @@ void GraphWidgetTest::scaleWithoutExtent() {
     graph.picture().show();
     QCOMPARE(countOf(graph.image(), rgb(red)), 0);
   }
+}
+
+void GraphWidgetTest::fastDrawingsAreNotAllPaintedButTheLastOneIs() {
+  struct PaintCounter : QObject {
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+      if (event->type() == QEvent::Paint) ++paints;
+      return false;
+    }
+    int paints = 0;
+  };
+  Graph graph(100, 50);
+  QTest::qWait(40);
+  PaintCounter counter;
+  graph.widget.installEventFilter(&counter);
+  QElapsedTimer time;
+  time.start();
+  constexpr int drawings = 2000;
+  for (int drawing = 0; drawing < drawings; ++drawing) {
+    graph.begin();
+    graph.picture().line({0, 10}, {100, 10}, drawing + 1 < drawings ? red : green);
+    graph.picture().show();
+    QCoreApplication::processEvents();
+  }
+  // The first at once, and one more for each 16 ms.
+  const qint64 most = 1 + time.elapsed() / 16;
+  QVERIFY2(counter.paints >= 1 && counter.paints <= most,
+           qPrintable(QString::number(counter.paints)));
+  // From the screen, since a grab would paint by itself.
+  const auto onScreen = [&graph](Colour colour) {
+    const QPixmap screen = graph.widget.screen()->grabWindow(graph.widget.winId());
+    return countOf(screen.toImage().convertToFormat(QImage::Format_RGB32), rgb(colour));
+  };
+  QTRY_VERIFY(onScreen(green) > 0);
+  QCOMPARE(onScreen(red), 0);
+  const int paints = counter.paints;
+  QTest::qWait(40);
+  QCOMPARE(counter.paints, paints);
 }
 
 QTEST_MAIN(GraphWidgetTest)
