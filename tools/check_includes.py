@@ -14,26 +14,30 @@ import sys
 LAYERS = {
     "platform": ([r"platform/.*"], []),
     "link": ([r"link/.*"], ["platform"]),
+    "files": ([r"files/.*"], ["link", "platform"]),
     "model": (
         [r"profile/(AcquisitionControl|GraphFault|GraphScale|MeasurementSettings|ProfileParameters)\..*"],
         ["link", "platform"],
     ),
-    "ccdf": ([r"ccdf/.*"], ["model", "link", "platform"]),
+    "ccdf": ([r"ccdf/.*"], ["model", "files", "link", "platform"]),
     "meterconfig": (
         [r"startup/(ReadMeterConfig|WriteMeterConfig)\..*"],
         ["model", "link", "platform", "ccdf:StatisticsAcquisition.h"],
     ),
     "profile": ([r"profile/.*"], ["model", "meterconfig", "link", "platform"]),
-    "tracefiles": ([r"tracefiles/.*"], ["profile", "model", "meterconfig", "link", "platform"]),
-    "settings": ([r"settings/.*"], ["profile", "model", "meterconfig", "link", "platform"]),
+    "tracefiles": ([r"tracefiles/.*"], ["profile", "model", "files", "link", "platform"]),
+    "settings": (
+        [r"settings/.*"],
+        ["profile", "model", "meterconfig", "files", "link", "platform"],
+    ),
     "startup": (
         [r"startup/.*"],
         ["profile", "ccdf", "meterconfig", "model", "link", "platform"],
     ),
     "ui": (
         [r"ui/.*"],
-        ["startup", "settings", "tracefiles", "profile", "ccdf", "meterconfig", "model", "link",
-         "platform"],
+        ["startup", "settings", "tracefiles", "profile", "ccdf", "meterconfig", "model", "files",
+         "link", "platform"],
     ),
     "host": ([r"host/.*"], ["platform"]),
     "main": (

@@ -1,5 +1,6 @@
 #include "Tour.h"
 
+#include <filesystem>
 #include <sstream>
 #include <utility>
 
@@ -18,6 +19,8 @@ void Tour::walk() {
   openMenus();
   chooseFont();
   editLinkSettings();
+  turnPages();
+  saveAndOpen("frmMain/menuSave", "frmMain/menuOpen");
   shrinkWindow();
 }
 
@@ -29,6 +32,7 @@ void Tour::walkCCDF() {
   chooseSource();
   editPower();
   openCCDFMenus();
+  saveAndOpen("frmCCDF/menuSave", "frmCCDF/OpenMenu");
   shrinkCCDFWindow();
 }
 
@@ -166,6 +170,36 @@ void Tour::editLinkSettings() {
   takePicture("comms-options-later", "frmComms");
   hands_.close("frmComms");
   hands_.waitGone("frmComms");
+}
+
+void Tour::turnPages() {
+  hands_.trigger("frmMain/menuProperties");
+  hands_.waitVisible("frmProperties");
+  for (const char* page : {"channel", "gates", "markers", "measurement", "display"}) {
+    takePicture(std::string("properties-") + page, "frmProperties");
+    hands_.key("frmProperties/sstab", "Ctrl+Tab");
+  }
+  hands_.close("frmProperties");
+  hands_.waitGone("frmProperties");
+}
+
+/// What is on the screen into a file, and back as the second trace.
+void Tour::saveAndOpen(const std::string& saveItem, const std::string& openItem) {
+  const std::string file = folder_ + "/saved.txt";
+  std::filesystem::remove(file);
+  hands_.trigger(saveItem);
+  takePicture("save", "saveFileDialog");
+  hands_.type("saveFileDialog/fileNameEdit", file);
+  hands_.key("saveFileDialog/fileNameEdit", "Return");
+  hands_.waitGone("saveFileDialog");
+  hands_.trigger(openItem);
+  takePicture("open", "openFileDialog");
+  hands_.type("openFileDialog/fileNameEdit", file);
+  hands_.key("openFileDialog/fileNameEdit", "Return");
+  hands_.waitGone("openFileDialog");
+  hands_.waitUntil(in("menuSecondProfile"), "checked", "true");
+  takePicture("second-trace", window_);
+  hands_.trigger(in("menuSecondProfile"));
 }
 
 void Tour::shrinkWindow() {

@@ -37,6 +37,8 @@ class Tour {
   void openMenus();
   void chooseFont();
   void editLinkSettings();
+  void turnPages();
+  void saveAndOpen(const std::string& saveItem, const std::string& openItem);
   void shrinkWindow();
 
   void enterCCDF();

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "platform/Installed.h"
 #include "platform/Picture.h"
 
 /// What the CCDF subsystem asks of its window, `frmCCDF`.
@@ -39,21 +40,11 @@ class CCDFView {
 
   /// `menuSecondProfile` is checked.
   virtual bool secondCurveIsShown() const = 0;
+  /// Checks `menuSecondProfile`.
+  virtual void showSecondCurve() = 0;
 };
 
-/// The window; calling it before one is there ends the process.
-CCDFView& ccdfView();
-
-/// Makes `view` the window for as long as the guard lives.
-class CCDFViewGuard {
- public:
-  explicit CCDFViewGuard(CCDFView& view);
-  ~CCDFViewGuard();
-  CCDFViewGuard(const CCDFViewGuard&) = delete;
-  CCDFViewGuard& operator=(const CCDFViewGuard&) = delete;
-
- private:
-  CCDFView* previous_;
-};
+using CCDFViewGuard = Installed<CCDFView>;
+inline CCDFView& ccdfView() { return CCDFViewGuard::get(); }
 
 }  // namespace pulsemod

@@ -104,6 +104,22 @@ void EditStartPower() { edit(startEnd); }
 
 void EditStopPower() { edit(stopEnd); }
 
+void ReplacePowerRange(float startPower, float stopPower) {
+  CCDF.StartPower = startPower;
+  CCDF.StopPower = stopPower;
+  const std::uint32_t startCount = ++PowerEdits.StartPower;
+  const std::uint32_t stopCount = ++PowerEdits.StopPower;
+  if (AcquisitionRunning != False16) {
+    CCDFPending.PowerRangePending = True16;
+    return;
+  }
+  UpdatePowerLabels();
+  whenLinkIsFree([startCount, stopCount] {
+    if (startCount == PowerEdits.StartPower) send(startEnd);
+    if (stopCount == PowerEdits.StopPower) send(stopEnd);
+  });
+}
+
 void CarryOutPowerEdits() {
   carryOut(startEnd);
   carryOut(stopEnd);

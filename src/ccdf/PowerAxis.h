@@ -29,6 +29,10 @@ void ReadStopPower();
 void EditStartPower();
 void EditStopPower();
 
+/// Takes the power range of a file. While the acquisition runs it becomes pending; else both ends
+/// are sent when the link is free, unless they were edited meanwhile, and nothing is read back.
+void ReplacePowerRange(float startPower, float stopPower);
+
 /// Carries out `StartPowerPending` and then `StopPowerPending`.
 void CarryOutPowerEdits();
 

@@ -3,7 +3,7 @@
 namespace pulsemod {
 
 Host::Host(Progress& progress)
-    : services_{clock_,   events_,      gpib_,    serial_,    settings_,
-                dialogs_, fileDialogs_, progress, programEnd_} {}
+    : services_{clock_,   events_,      gpib_,  serial_,  settings_,
+                dialogs_, fileDialogs_, files_, progress, programEnd_} {}
 
 }  // namespace pulsemod

@@ -6,6 +6,7 @@
 #include "host/HostSerialPort.h"
 #include "host/QtDialogs.h"
 #include "host/QtFileDialogs.h"
+#include "host/QtFiles.h"
 #include "host/QtSettingsStore.h"
 #include "host/SharedGpibLibrary.h"
 #include "platform/Services.h"
@@ -30,6 +31,7 @@ class Host {
   QtSettingsStore settings_;
   QtDialogs dialogs_;
   QtFileDialogs fileDialogs_;
+  QtFiles files_;
   HostProgramEnd programEnd_;
   Services services_;
 };

@@ -12,6 +12,19 @@ namespace pulsemod {
 namespace {
 
 constexpr int significantDigits = 7;
+/// As many tell any two singles apart.
+constexpr int sufficientDigits = 9;
+
+std::string generalText(float value, int digits) {
+  if (value == 0) return "0";
+  std::array<char, 32> buffer{};
+  const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(),
+                                    static_cast<double>(value), std::chars_format::general, digits);
+  std::string text(buffer.data(), result.ptr);
+  const std::size_t exponent = text.find('e');
+  if (exponent != std::string::npos) text[exponent] = 'E';
+  return text;
+}
 
 bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
@@ -55,15 +68,14 @@ double outOfRangeValue(std::string_view number) {
 
 }  // namespace
 
-std::string numberText(float value) {
-  if (value == 0) return "0";
-  std::array<char, 32> buffer{};
-  const auto result =
-      std::to_chars(buffer.data(), buffer.data() + buffer.size(), static_cast<double>(value),
-                    std::chars_format::general, significantDigits);
-  std::string text(buffer.data(), result.ptr);
-  const std::size_t exponent = text.find('e');
-  if (exponent != std::string::npos) text[exponent] = 'E';
+std::string numberText(float value) { return generalText(value, significantDigits); }
+
+std::string exactText(float value) {
+  std::string text;
+  for (int digits = significantDigits; digits <= sufficientDigits; ++digits) {
+    text = generalText(value, digits);
+    if (leadingSingle(text) == value) break;
+  }
   return text;
 }
 
@@ -106,7 +118,9 @@ double leadingNumber(std::string_view text) {
 }
 
 bool fitsSingle(double value) {
-  return std::fabs(value) <= static_cast<double>(std::numeric_limits<float>::max());
+  // Halfway from the largest single to the next power of two: all below is rounded down to it.
+  constexpr double firstTooLarge = 0x1.ffffffp127;
+  return std::fabs(value) < firstTooLarge;
 }
 
 std::optional<float> leadingSingle(std::string_view text) {
@@ -116,10 +130,11 @@ std::optional<float> leadingSingle(std::string_view text) {
 }
 
 std::optional<float> wholeSingle(std::string_view text) {
-  std::string_view number = trimmed(text);
+  const std::string_view signedNumber = trimmed(text);
+  std::string_view number = signedNumber;
   if (number.starts_with('-') || number.starts_with('+')) number.remove_prefix(1);
   if (number.empty() || decimalNumberEnd(number) != number.size()) return std::nullopt;
-  return leadingSingle(text);
+  return leadingSingle(signedNumber);
 }
 
 }  // namespace pulsemod

@@ -16,6 +16,9 @@ namespace pulsemod {
 /// Minus zero is "0".
 std::string numberText(float value);
 
+/// As `numberText`, but with up to 9 digits where it takes them to read the same single back.
+std::string exactText(float value);
+
 /// `value` with `minimumDecimals` to `maximumDecimals` decimals, rounded half away from zero, at
 /// least one digit before the point: 5.2 with 2 to 3 is "5.20". A value that rounds to zero has no
 /// sign.

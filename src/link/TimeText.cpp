@@ -34,7 +34,10 @@ std::string FormatTime(float seconds) {
     if (scalings >= units.size() && std::trunc(value) == 0) return {};
     if (std::trunc(value) == 0) value = timesThousand(value);
   } while (std::trunc(value) == 0);
-  const double thousandths = std::floor(throughShortestText(timesThousand(value)));
+  // Near the largest singles a thousand times the value is none, and the value is whole by itself.
+  const double scaled = throughShortestText(value) * 1000.0;
+  const double thousandths =
+      std::floor(fitsSingle(scaled) ? throughShortestText(static_cast<float>(scaled)) : scaled);
   return numberText(static_cast<float>(thousandths * 0.001)) + units[scalings];
 }
 

@@ -4,7 +4,9 @@
 #include "platform/Dialogs.h"
 #include "platform/EventQueue.h"
 #include "platform/FileDialogs.h"
+#include "platform/Files.h"
 #include "platform/GpibLibrary.h"
+#include "platform/Installed.h"
 #include "platform/ProgramEnd.h"
 #include "platform/Progress.h"
 #include "platform/SerialPort.h"
@@ -21,23 +23,12 @@ struct Services {
   SettingsStore& settings;
   Dialogs& dialogs;
   FileDialogs& fileDialogs;
+  Files& files;
   Progress& progress;
   ProgramEnd& programEnd;
 };
 
-/// The installed outside world. Calling it before one is installed ends the process.
-const Services& services();
-
-/// Installs an outside world for as long as it lives and brings back the one before.
-class ServicesGuard {
- public:
-  explicit ServicesGuard(const Services& installed);
-  ~ServicesGuard();
-  ServicesGuard(const ServicesGuard&) = delete;
-  ServicesGuard& operator=(const ServicesGuard&) = delete;
-
- private:
-  const Services* previous_;
-};
+using ServicesGuard = Installed<const Services>;
+inline const Services& services() { return ServicesGuard::get(); }
 
 }  // namespace pulsemod

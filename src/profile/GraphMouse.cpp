@@ -39,6 +39,7 @@ void moveGrabbedEdge(double x) {
   const float seconds = GraphXToTime(static_cast<float>(x));
   if (edgeMayMoveTo(GraphMouse.Grabbed, seconds)) timeOf(GraphMouse.Grabbed) = seconds;
   ExpandRepeatGates();
+  profileView().refreshGatePage();
   PositionGateLines();
 }
 
@@ -160,7 +161,10 @@ void GraphButtonUp() {
   ResumeAcquisition();
   GraphMouse.Dragging = False16;
   if (!writes) return;
-  whenLinkIsFree([released] { WriteGateConfig(released.gate, released.edge); });
+  whenLinkIsFree([released] {
+    WriteGateConfig(released.gate, released.edge);
+    profileView().refreshGatePage();
+  });
 }
 
 }  // namespace pulsemod

@@ -82,11 +82,11 @@ ChannelSettings& activeChannelSettings() {
   return Settings.Channels[static_cast<std::size_t>(Settings.ActiveChannel - 1)];
 }
 
-void ExpandRepeatGates() {
+void ExpandRepeatGates(int first) {
   if (Settings.RepeatEnabled == False16) return;
-  Settings.Gates[0].Enabled = True16;
+  if (first == firstRepeatedGate) Settings.Gates[0].Enabled = True16;
   const int count = std::min<int>(Settings.RepeatCount, gateCount);
-  for (int number = 2; number <= count; ++number) {
+  for (int number = first; number <= count; ++number) {
     const auto index = static_cast<std::size_t>(number - 1);
     const GateSettings& previous = Settings.Gates[index - 1];
     GateSettings& gate = Settings.Gates[index];

@@ -115,9 +115,13 @@ std::string InputConfigText();
 /// and input configuration may be touched only while one channel is.
 ChannelSettings& activeChannelSettings();
 
-/// Derives gates 2 to `RepeatCount` from gate 1 while the repeat is on: each is the one before,
-/// shifted by `RepeatOffset`. A count above 8 derives 8. A sum that does not fit ends the expansion
-/// at its gate.
-void ExpandRepeatGates();
+/// The first gate that a repeat derives.
+inline constexpr int firstRepeatedGate = 2;
+
+/// Derives the gates from `first` to `RepeatCount` while the repeat is on: each is the one before,
+/// shifted by `RepeatOffset`. The whole expansion also switches gate 1 on; one that begins later
+/// leaves the gates before it as they are. A count above 8 derives 8. A sum that does not fit ends
+/// the expansion at its gate.
+void ExpandRepeatGates(int first = firstRepeatedGate);
 
 }  // namespace pulsemod

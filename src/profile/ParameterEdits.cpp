@@ -10,6 +10,7 @@
 #include "link/ReplyText.h"
 #include "link/TimeText.h"
 #include "platform/Services.h"
+#include "profile/GraphFault.h"
 #include "profile/ProfileGraph.h"
 #include "profile/ProfileParameters.h"
 #include "profile/ProfileView.h"
@@ -113,6 +114,22 @@ void EditReferenceLevel() { editLevel(referenceLevel, "Enter new reference level
 void EditGraphScale() { editLevel(graphScale, "Enter new graph scale (dB)"); }
 
 void EditTriggerDelay() { editTime(triggerDelay, GraphLabel::start, "Enter new trigger delay"); }
+
+void ReplaceCaptureTime(float seconds) {
+  Settings.CaptureTime = seconds;
+  const std::uint32_t count = ++EditCounts.CaptureTime;
+  drawOrReportOnce(UpdateGraphLabels);
+  whenLinkIsFree([seconds, count] {
+    if (count == EditCounts.CaptureTime) SendParameter(captureTimeParameter, seconds);
+  });
+}
+
+void CountParameterEdits() {
+  ++EditCounts.CaptureTime;
+  ++EditCounts.ReferenceLevel;
+  ++EditCounts.TriggerDelay;
+  ++EditCounts.GraphScale;
+}
 
 void ExplainStopTime() {
   services().dialogs.showMessage("Please edit the Capture Time", "", MessageIcon::information);

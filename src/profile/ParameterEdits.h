@@ -38,6 +38,14 @@ void EditReferenceLevel();
 void EditGraphScale();
 void EditTriggerDelay();
 
+/// Takes a capture time from a file: stores it, shows it, and sends it when the link is free. It is
+/// not read back. A newer edit meanwhile wins.
+void ReplaceCaptureTime(float seconds);
+
+/// The four parameters have new values from elsewhere, which a read-back of an edit must not
+/// overwrite.
+void CountParameterEdits();
+
 /// Click on `lblStop`: a message says that the right edge follows from the capture time.
 void ExplainStopTime();
 

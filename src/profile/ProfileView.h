@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 
+#include "platform/Installed.h"
 #include "platform/Picture.h"
 
 /// What the profile subsystem asks of its window, `frmMain`.
@@ -58,25 +59,17 @@ class ProfileView {
 
   /// `menuSecondProfile` is checked.
   virtual bool secondProfileIsShown() const = 0;
+  /// Checks `menuSecondProfile`.
+  virtual void showSecondProfile() = 0;
+  /// `frmProperties`, if it is open, takes the gates from the model.
+  virtual void refreshGatePage() = 0;
 
   /// `frmInfo` and `frmMarkers` while they are open (minimised counts as open), else none.
   virtual InfoBoxView* infoBox() = 0;
   virtual MarkersView* markersWindow() = 0;
 };
 
-/// The window; calling it before one is there ends the process.
-ProfileView& profileView();
-
-/// Makes `view` the window for as long as the guard lives.
-class ProfileViewGuard {
- public:
-  explicit ProfileViewGuard(ProfileView& view);
-  ~ProfileViewGuard();
-  ProfileViewGuard(const ProfileViewGuard&) = delete;
-  ProfileViewGuard& operator=(const ProfileViewGuard&) = delete;
-
- private:
-  ProfileView* previous_;
-};
+using ProfileViewGuard = Installed<ProfileView>;
+inline ProfileView& profileView() { return ProfileViewGuard::get(); }
 
 }  // namespace pulsemod

@@ -9,7 +9,6 @@
 #include "link/ReplyText.h"
 #include "link/TimeText.h"
 #include "profile/GraphScale.h"
-#include "profile/MeasurementSettings.h"
 #include "profile/ProfileView.h"
 #include "profile/ReadoutViews.h"
 
@@ -59,9 +58,7 @@ void readMarker(std::size_t index) {
   MarkerSettings& marker = Settings.Markers[index];
   marker.Reading = *reading;
   marker.Position = *position;
-  // A graph without a time axis is reported when it is drawn.
-  if (!graphHasTimeAxis()) return;
-  marker.PositionX = static_cast<std::int16_t>(std::nearbyint(TimeToGraphX(*position)));
+  PositionMarker(marker);
 }
 
 void showGroup(InfoBoxView& view, std::size_t group) {
@@ -110,6 +107,12 @@ void ReadGateMeasurements(GateMeasurementMode mode) {
 GateMeasurementMode presentGateMeasurementMode() {
   const bool aGateIsOn = std::any_of(Settings.Gates.begin(), Settings.Gates.end(), isOn);
   return aGateIsOn ? GateMeasurementMode::gates : GateMeasurementMode::profile;
+}
+
+void PositionMarker(MarkerSettings& marker) {
+  // A graph without a time axis is reported when it is drawn.
+  if (!graphHasTimeAxis()) return;
+  marker.PositionX = static_cast<std::int16_t>(std::nearbyint(TimeToGraphX(marker.Position)));
 }
 
 void ReadMarkerReadings() {

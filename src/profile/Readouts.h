@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <span>
 
+#include "profile/MeasurementSettings.h"
+
 /// The meter's numeric results: gate measurements for `frmInfo`, marker readings for `frmMarkers`
 /// and for the labels on the graph.
 
@@ -37,6 +39,9 @@ void ReadGateMeasurements(GateMeasurementMode mode);
 
 /// Gates when one is on, else the whole profile.
 GateMeasurementMode presentGateMeasurementMode();
+
+/// The graph column of a marker from its position; a graph without a time axis leaves it.
+void PositionMarker(MarkerSettings& marker);
 
 /// Reads the power and the position of each marker 1 to 4 that is on (MKNO), and its graph column.
 /// A failed query, and a reply that ends before the position, leave the marker as it was; a

@@ -7,10 +7,12 @@
 #include <QScreen>
 
 #include "ccdf/CCDFCursor.h"
+#include "ccdf/CCDFGraphFile.h"
 #include "ccdf/CCDFLoop.h"
 #include "ccdf/MeasurementSource.h"
 #include "link/Fault.h"
 #include "link/Session.h"
+#include "ui/FileDrop.h"
 #include "ui/Menus.h"
 
 namespace pulsemod {
@@ -32,6 +34,7 @@ CCDFWindow::CCDFWindow() : panel_(new CCDFPanel(this)) {
   buildCCDFMenu();
   buildCursorMenu();
   buildSourceMenu();
+  new FileDrop(this, OpenCCDFGraphFile);
   setAcquisitionMenus(false);
   CCDFWindow::setCursorMenus(false);
   limitSize();
@@ -45,8 +48,8 @@ void CCDFWindow::buildFileMenu() {
               QStringLiteral("Open a saved curve as the second curve"), QKeySequence::Open);
   QAction* const save = addItem(menu, "menuSave", QStringLiteral("&Save..."),
                                 QStringLiteral("Save the live curve"), QKeySequence::Save);
-  open->setEnabled(false);
-  save->setEnabled(false);
+  connectItem(open, OpenCCDFGraph);
+  connectItem(save, SaveCCDFGraph);
 }
 
 void CCDFWindow::buildCCDFMenu() {
@@ -142,6 +145,8 @@ void CCDFWindow::showCursor(const std::string& power, const std::string& percent
 }
 
 bool CCDFWindow::secondCurveIsShown() const { return menuSecondProfile_->isChecked(); }
+
+void CCDFWindow::showSecondCurve() { menuSecondProfile_->setChecked(true); }
 
 void CCDFWindow::closeEvent(QCloseEvent* /*event*/) { EndSession(); }
 

@@ -27,6 +27,7 @@ class CCDFWindow : public QMainWindow, public CCDFView {
   bool cursorFrameIsShown() const override { return panel_->cursorFrameIsShown(); }
   void setSizingPointer(bool sizing) override { panel_->setSizingPointer(sizing); }
   bool secondCurveIsShown() const override;
+  void showSecondCurve() override;
 
  protected:
   /// The end of the program.

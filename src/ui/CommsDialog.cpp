@@ -16,6 +16,7 @@
 #include "link/CommsSettings.h"
 #include "link/Fault.h"
 #include "platform/Services.h"
+#include "ui/Options.h"
 
 namespace pulsemod {
 
@@ -31,26 +32,6 @@ template <typename Values>
 int indexOf(const Values& values, std::int32_t value) {
   const auto found = std::find(values.begin(), values.end(), value);
   return found == values.end() ? -1 : static_cast<int>(found - values.begin());
-}
-
-QRadioButton* addOption(QButtonGroup& group, const char* name, int index, const QString& caption) {
-  auto* option = new QRadioButton(caption);
-  option->setObjectName(QStringLiteral("%1_%2").arg(QLatin1String(name)).arg(index));
-  group.addButton(option, index);
-  return option;
-}
-
-/// Ticks one option, or none for an index that the group does not have. The Tab key comes to the
-/// ticked one, as it does after a click.
-void tick(QButtonGroup& group, int index) {
-  group.setExclusive(false);
-  const QList<QAbstractButton*> options = group.buttons();
-  const int tabStop = group.button(index) != nullptr ? index : 0;
-  for (QAbstractButton* option : options) {
-    option->setChecked(group.id(option) == index);
-    option->setFocusPolicy(group.id(option) == tabStop ? Qt::StrongFocus : Qt::ClickFocus);
-  }
-  group.setExclusive(true);
 }
 
 }  // namespace

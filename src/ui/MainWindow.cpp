@@ -10,11 +10,15 @@
 #include "link/Fault.h"
 #include "link/Session.h"
 #include "profile/AcquisitionLoop.h"
+#include "profile/ProfileGraph.h"
 #include "profile/Readouts.h"
+#include "tracefiles/ProfileTraceFile.h"
+#include "ui/FileDrop.h"
 #include "ui/FontChoice.h"
 #include "ui/InfoBox.h"
 #include "ui/MarkersWindow.h"
 #include "ui/Menus.h"
+#include "ui/PropertiesWindow.h"
 
 namespace pulsemod {
 
@@ -28,6 +32,7 @@ MainWindow::MainWindow(std::function<void()> showComms)
   buildSettingsMenu();
   buildViewMenu();
   connectMenus();
+  new FileDrop(this, OpenProfileTraceFile);
   setAcquisitionMenus(false);
   limitSize();
   resize(QSize(800, 600).boundedTo(screen()->availableSize()).expandedTo(minimumSize()));
@@ -43,8 +48,6 @@ void MainWindow::buildFileMenu() {
   menu->addSeparator();
   menuExit_ = addItem(menu, "menuExit", QStringLiteral("E&xit"), QStringLiteral("End the program"),
                       QKeySequence(Qt::CTRL | Qt::Key_Q));
-  menuOpen_->setEnabled(false);
-  menuSave_->setEnabled(false);
 }
 
 void MainWindow::buildPulseModMenu() {
@@ -82,7 +85,6 @@ void MainWindow::buildSettingsMenu() {
   menuGraphFont_ = addItem(menu, "menuGraphFont", QStringLiteral("Graph &Font..."),
                            QStringLiteral("The font of the graph and of the labels around it"),
                            QKeySequence(Qt::CTRL | Qt::Key_T));
-  menuProperties_->setEnabled(false);
 }
 
 void MainWindow::buildViewMenu() {
@@ -98,12 +100,16 @@ void MainWindow::buildViewMenu() {
 }
 
 void MainWindow::connectMenus() {
+  connect(menuOpen_, &QAction::triggered, this, [] { reportFaults(OpenProfileTrace); });
+  connect(menuSave_, &QAction::triggered, this, [] { reportFaults(SaveProfileTrace); });
   connect(menuExit_, &QAction::triggered, this, &MainWindow::unload);
   connect(menuStart_, &QAction::triggered, this, [] { reportFaults(StartAcquisition); });
   connect(menuStop_, &QAction::triggered, this, [] { reportFaults(StopAcquisition); });
   connect(menuFreeRun_, &QAction::triggered, this, [] { reportFaults(SetTriggerFreeRun); });
   connect(menuDisplayUpdate_, &QAction::triggered, this,
           [](bool checked) { reportFaults([checked] { SetMeterDisplayStopped(checked); }); });
+  connect(menuProperties_, &QAction::triggered, this,
+          [this] { reportFaults([this] { openProperties(); }); });
   connect(menuComs_, &QAction::triggered, this, [this] { reportFaults(showComms_); });
   connect(menuGraphFont_, &QAction::triggered, this,
           [this] { reportFaults([this] { chooseGraphFont(); }); });
@@ -161,7 +167,10 @@ void MainWindow::showRate(const std::string& caption, const std::string& toolTip
   panel_->showRate(QString::fromStdString(caption), QString::fromStdString(toolTip));
 }
 
-void MainWindow::showAcquisitionStarted() { setAcquisitionMenus(true); }
+void MainWindow::showAcquisitionStarted() {
+  setAcquisitionMenus(true);
+  if (properties_ != nullptr) properties_->hide();
+}
 
 void MainWindow::showAcquisitionStopped() { setAcquisitionMenus(false); }
 
@@ -169,10 +178,17 @@ void MainWindow::setAcquisitionMenus(bool running) {
   menuStart_->setEnabled(!running);
   menuStop_->setEnabled(running);
   menuFreeRun_->setEnabled(!running);
+  menuProperties_->setEnabled(!running);
   menuComs_->setEnabled(!running);
 }
 
 bool MainWindow::secondProfileIsShown() const { return menuSecondProfile_->isChecked(); }
+
+void MainWindow::showSecondProfile() { menuSecondProfile_->setChecked(true); }
+
+void MainWindow::refreshGatePage() {
+  if (properties_ != nullptr && properties_->isVisible()) properties_->refreshGatePage();
+}
 
 InfoBoxView* MainWindow::infoBox() {
   return infoBox_ != nullptr && infoBox_->isOpen() ? infoBox_ : nullptr;
@@ -183,19 +199,41 @@ MarkersView* MainWindow::markersWindow() {
 }
 
 template <typename Window>
+Window& MainWindow::readout(Window*& window, QAction& item, void (*fill)()) {
+  if (window == nullptr) {
+    window = new Window(this, {fill, [&item](bool shown) { item.setChecked(shown); }});
+  }
+  return *window;
+}
+
+template <typename Window>
 void MainWindow::toggle(Window*& window, QAction& item, void (*fill)()) {
   reportFaults([&] {
-    if (window == nullptr) {
-      window = new Window(this, {fill, [&item](bool shown) { item.setChecked(shown); }});
-    }
-    if (window->isVisible()) {
-      window->close();
+    Window& shown = readout(window, item, fill);
+    if (shown.isVisible()) {
+      shown.close();
     } else {
-      window->open();
+      shown.open();
     }
   });
   // A click has changed the tick whatever came of it.
   item.setChecked(window->isVisible());
+}
+
+void MainWindow::openMarkers() {
+  MarkersWindow& markers = readout(markersWindow_, *menuMarkers_, UpdateMarkersWindow);
+  if (!markers.isVisible()) markers.open();
+  markers.raise();
+}
+
+void MainWindow::openProperties() {
+  RefreshGraph();
+  UpdateMarkersWindow();
+  if (properties_ == nullptr) {
+    properties_ = new PropertiesWindow(this, [this] { openMarkers(); });
+    propertiesIsTheView_.emplace(*properties_);
+  }
+  properties_->present();
 }
 
 void MainWindow::unload() { EndSession(); }

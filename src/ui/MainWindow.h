@@ -2,8 +2,10 @@
 
 #include <QMainWindow>
 #include <functional>
+#include <optional>
 
 #include "profile/ProfileView.h"
+#include "settings/PropertiesView.h"
 #include "ui/ProfilePanel.h"
 
 class QAction;
@@ -13,6 +15,7 @@ namespace pulsemod {
 
 class InfoBox;
 class MarkersWindow;
+class PropertiesWindow;
 
 /// `frmMain`. Must be the `profileView()` when it is shown.
 class MainWindow : public QMainWindow, public ProfileView {
@@ -34,11 +37,16 @@ class MainWindow : public QMainWindow, public ProfileView {
   void showAcquisitionStarted() override;
   void showAcquisitionStopped() override;
   bool secondProfileIsShown() const override;
+  void showSecondProfile() override;
+  void refreshGatePage() override;
   InfoBoxView* infoBox() override;
   MarkersView* markersWindow() override;
 
   /// Puts the graph and its labels into a font and lays the window out for it.
   void applyGraphFont(const QFont& chosen);
+
+  /// Shows `frmMarkers`, which is built when it is first shown.
+  void openMarkers();
 
   /// The end of the program: closing the window and Exit.
   [[noreturn]] static void unload();
@@ -53,7 +61,11 @@ class MainWindow : public QMainWindow, public ProfileView {
   void buildViewMenu();
   void connectMenus();
   void chooseGraphFont();
-  /// Shows or hides one of the two readout windows, which is built when it is first shown.
+  void openProperties();
+  /// One of the two readout windows, which is built when it is first needed.
+  template <typename Window>
+  Window& readout(Window*& window, QAction& item, void (*fill)());
+  /// Shows or hides it.
   template <typename Window>
   void toggle(Window*& window, QAction& item, void (*fill)());
   void limitSize();
@@ -63,6 +75,8 @@ class MainWindow : public QMainWindow, public ProfileView {
   ProfilePanel* panel_;
   InfoBox* infoBox_ = nullptr;
   MarkersWindow* markersWindow_ = nullptr;
+  PropertiesWindow* properties_ = nullptr;
+  std::optional<PropertiesViewGuard> propertiesIsTheView_;
   QAction* menuOpen_ = nullptr;
   QAction* menuSave_ = nullptr;
   QAction* menuExit_ = nullptr;

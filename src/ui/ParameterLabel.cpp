@@ -2,7 +2,6 @@
 
 #include <QAccessibleWidget>
 #include <QKeyEvent>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QTimer>
 
@@ -42,12 +41,6 @@ QAccessibleInterface* accessibleLabel(const QString& /*className*/, QObject* obj
   return label == nullptr ? nullptr : new AccessibleParameterLabel(*label);
 }
 
-bool isChosenBy(const QKeyEvent& event) {
-  const bool plain = (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
-  return plain && (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter ||
-                   event.key() == Qt::Key_Space);
-}
-
 }  // namespace
 
 ParameterLabel::ParameterLabel(QWidget* parent) : QLabel(parent) {
@@ -56,19 +49,14 @@ ParameterLabel::ParameterLabel(QWidget* parent) : QLabel(parent) {
   setCursor(Qt::PointingHandCursor);
 }
 
-void ParameterLabel::mousePressEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton) pressed_ = true;
-}
+void ParameterLabel::mousePressEvent(QMouseEvent* event) { click_.press(*event); }
 
 void ParameterLabel::mouseReleaseEvent(QMouseEvent* event) {
-  if (event->button() != Qt::LeftButton || !pressed_) return;
-  // First, since a click may open a box and return much later.
-  pressed_ = false;
-  if (rect().contains(event->position().toPoint())) click();
+  if (click_.release(*event, *this)) click();
 }
 
 void ParameterLabel::keyPressEvent(QKeyEvent* event) {
-  if (!isChosenBy(*event)) {
+  if (!isClickKey(*event)) {
     QLabel::keyPressEvent(event);
     return;
   }
@@ -78,9 +66,13 @@ void ParameterLabel::keyPressEvent(QKeyEvent* event) {
 
 void ParameterLabel::paintEvent(QPaintEvent* event) {
   QLabel::paintEvent(event);
+  paintFocus(look::focusFrame);
+}
+
+void ParameterLabel::paintFocus(const QColor& colour) {
   if (!hasFocus()) return;
   QPainter painter(this);
-  painter.setPen(look::focusFrame);
+  painter.setPen(colour);
   painter.drawRect(rect().adjusted(1, 1, -2, -2));
 }
 

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <QColor>
 #include <QLabel>
 #include <QString>
 #include <functional>
+
+#include "ui/Click.h"
 
 namespace pulsemod {
 
@@ -25,11 +28,13 @@ class ParameterLabel : public QLabel {
   void mouseReleaseEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
+  /// The frame that shows the focus, while the label has it.
+  void paintFocus(const QColor& colour);
 
  private:
   std::function<void()> onClick_;
   QString meaning_;
-  bool pressed_ = false;
+  Click click_;
 };
 
 }  // namespace pulsemod

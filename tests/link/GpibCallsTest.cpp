@@ -52,7 +52,8 @@ class GpibCalls : public testing::Test {
   /// The same world with another library.
   const Services& worldWith(GpibLibrary& library) {
     replaced_.emplace(Services{world.clock, world.events, library, world.serial, world.store,
-                               world.dialogs, world.fileDialogs, world.progress, world.programEnd});
+                               world.dialogs, world.fileDialogs, world.files, world.progress,
+                               world.programEnd});
     return *replaced_;
   }
 

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <random>
 #include <string>
 
 #include "LocaleTest.h"
@@ -51,6 +53,51 @@ TEST_P(NumberText, GeneralTextOfSingles) {
       {std::numeric_limits<float>::max(), "3.402823E+38"},
   };
   for (const Row& row : rows) EXPECT_EQ(numberText(row.value), row.text);
+}
+
+TEST_P(NumberText, ExactTextHasAsManyDigitsAsReadTheSameSingleBack) {
+  struct Row {
+    float value;
+    const char* text;
+  };
+  const Row rows[] = {
+      {0.0F, "0"},
+      {-0.0F, "0"},
+      {-30.0F, "-30"},
+      {0.0046F, "0.0046"},
+      {0.1F, "0.1"},
+      {5e-6F, "5E-06"},
+      {1e7F, "1E+07"},
+      // Eight digits, and nine.
+      {-30.1234567F, "-30.123457"},
+      {1.0F / 3.0F, "0.33333334"},
+      {16777216.0F, "16777216"},
+      {0.123456791F, "0.12345679"},
+      {1.00000012F, "1.0000001"},
+      {-13.0565815F, "-13.0565815"},
+      {1007.47784F, "1007.47784"},
+      {std::numeric_limits<float>::max(), "3.4028235E+38"},
+      {std::numeric_limits<float>::denorm_min(), "1.401298E-45"},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(exactText(row.value), row.text);
+    EXPECT_EQ(leadingSingle(exactText(row.value)), row.value);
+  }
+}
+
+TEST_P(NumberText, ExactTextReadsBackForAnySingleAndIsTheGeneralTextWhereThatDoes) {
+  std::mt19937 random(20261121);
+  int longer = 0;
+  for (int round = 0; round < 100000; ++round) {
+    const auto value = std::bit_cast<float>(static_cast<std::uint32_t>(random()));
+    if (!std::isfinite(value)) continue;
+    const std::string text = exactText(value);
+    ASSERT_EQ(leadingSingle(text), value) << text;
+    const bool sevenDigitsDo = leadingSingle(numberText(value)) == value;
+    ASSERT_EQ(text == numberText(value), sevenDigitsDo) << text;
+    if (!sevenDigitsDo) ++longer;
+  }
+  EXPECT_GT(longer, 10000);
 }
 
 TEST_P(NumberText, FixedTextRoundsHalfAwayFromZeroAndKeepsItsDecimals) {

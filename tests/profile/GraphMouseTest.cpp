@@ -2,6 +2,7 @@
 #include <limits>
 
 #include "ProfileTest.h"
+#include "link/Conversation.h"
 #include "link/NumberText.h"
 #include "profile/AcquisitionControl.h"
 #include "profile/AcquisitionLoop.h"
@@ -858,6 +859,51 @@ TEST_F(GraphMouseTest, RepeatedGateIsNotWrittenAtAReleaseWithoutAMove) {
   GraphButtonDown();
   GraphButtonUp();
   EXPECT_TRUE(received().empty());
+}
+
+TEST_F(GraphMouseTest, GatePageFollowsEveryMoveOfADragAndTheWrite) {
+  moveTo(20);
+  EXPECT_EQ(view.timesGatePageRefreshed, 0);
+  GraphButtonDown();
+  EXPECT_EQ(view.timesGatePageRefreshed, 0);
+  moveTo(30);
+  moveTo(31);
+  EXPECT_EQ(view.timesGatePageRefreshed, 2);
+  int refreshedWhenWritten = 0;
+  world.meter.onMessage = [&](const std::string& message) {
+    if (message.starts_with("GPTIMST")) refreshedWhenWritten = view.timesGatePageRefreshed;
+  };
+  GraphButtonUp();
+  EXPECT_EQ(refreshedWhenWritten, 2);
+  EXPECT_EQ(view.timesGatePageRefreshed, 3);
+}
+
+TEST_F(GraphMouseTest, GatePageIsLeftAloneWhereNothingIsDragged) {
+  drag(80, 85);
+  for (const double x : {20.0, 60.0, 140.0}) moveTo(x);
+  repeatGateOne();
+  drag(80, 85);
+  EXPECT_EQ(view.timesGatePageRefreshed, 0);
+}
+
+TEST_F(GraphMouseTest, GatePageWaitsForTheWriteThatWaitsForTheLink) {
+  converse([this] {
+    drag(20, 30);
+    EXPECT_EQ(view.timesGatePageRefreshed, 1);
+  });
+  EXPECT_EQ(received(), writtenStart("0.003"));
+  EXPECT_EQ(view.timesGatePageRefreshed, 2);
+}
+
+/// The page shows the model, so every gate has its new time by then.
+TEST_F(GraphMouseTest, GatePageIsRefreshedWithTheRepeatedGatesMoved) {
+  repeatGateOne();
+  float secondGateStart = 0;
+  view.onGatePageRefresh = [&] { secondGateStart = gate(2).StartTime; };
+  pressAt(20);
+  moveTo(30);
+  EXPECT_EQ(secondGateStart, timeAt(90));
+  GraphButtonUp();
 }
 
 TEST_F(GraphMouseTest, NoEdgeMovesOnAGraphThatCannotBeDrawn) {

@@ -1,4 +1,5 @@
 #include "ProfileTest.h"
+#include "link/Conversation.h"
 #include "profile/ParameterEdits.h"
 
 namespace pulsemod::test {
@@ -208,6 +209,89 @@ TEST_F(PendingEditsTest, ScaleOfZeroIsToldOnceAlthoughItIsDrawnTwice) {
   EXPECT_EQ(received(), (Transcript{"PMPSCAL 1,DB,0", "PMPSCAL? 1,DB"}));
   EXPECT_EQ(world.dialogs.messages.size(), 1U);
   EXPECT_EQ(view.picture.timesShown, 0);
+}
+
+/// A capture time that comes from a file.
+class ReplacedCaptureTime : public PendingEditsTest {
+ protected:
+  void answerCaptureTime(const std::string& value) { answer(edits[0], value); }
+};
+
+TEST_F(ReplacedCaptureTime, IsStoredShownAndSentWithoutAReadBack) {
+  answerCaptureTime("0.007");
+  for (const bool serial : {false, true}) {
+    if (serial) world.useSerial();
+    Settings.CaptureTime = 0.0046F;
+    world.meter.received.clear();
+    ReplaceCaptureTime(0.005F);
+    EXPECT_EQ(Settings.CaptureTime, 0.005F);
+    EXPECT_EQ(view.labels[GraphLabel::capture], "5ms");
+    EXPECT_EQ(view.labels[GraphLabel::stop], "5ms");
+    EXPECT_EQ(received(), (Transcript{"TRCAPT 1,PMOD,0.005"}));
+  }
+  EXPECT_EQ(world.serial.sent, "TRCAPT 1,PMOD,0.005\r");
+  expectNothingPending();
+}
+
+TEST_F(ReplacedCaptureTime, IsShownAtOnceAndSentWhenTheLinkIsFree) {
+  converse([this] {
+    ReplaceCaptureTime(0.005F);
+    EXPECT_EQ(Settings.CaptureTime, 0.005F);
+    EXPECT_EQ(view.labels[GraphLabel::capture], "5ms");
+    EXPECT_TRUE(received().empty());
+  });
+  EXPECT_EQ(received(), (Transcript{"TRCAPT 1,PMOD,0.005"}));
+}
+
+TEST_F(ReplacedCaptureTime, IsNotSentWhenANewerOneCameMeanwhile) {
+  converse([] {
+    ReplaceCaptureTime(0.005F);
+    ReplaceCaptureTime(0.006F);
+  });
+  EXPECT_EQ(received(), (Transcript{"TRCAPT 1,PMOD,0.006"}));
+  EXPECT_EQ(Settings.CaptureTime, 0.006F);
+}
+
+TEST_F(ReplacedCaptureTime, GivesWayToANewerEdit) {
+  answerCaptureTime("0.007");
+  world.dialogs.textAnswers.push_back("7ms");
+  converse([] {
+    ReplaceCaptureTime(0.005F);
+    EditCaptureTime();
+  });
+  EXPECT_EQ(received(), (Transcript{"TRCAPT 1,PMOD,0.007", "TRCAPT? 1,PMOD"}));
+  EXPECT_EQ(Settings.CaptureTime, 0.007F);
+}
+
+TEST_F(ReplacedCaptureTime, IsNotOverwrittenByTheReadBackOfAnEdit) {
+  edit(edits[0], 0.003F);
+  answerCaptureTime("0.003");
+  duringReplyTo("TRCAPT? 1,PMOD", [] { ReplaceCaptureTime(0.005F); });
+  converse(CarryOutPendingEdits);
+  EXPECT_EQ(Settings.CaptureTime, 0.005F);
+  EXPECT_EQ(received(),
+            (Transcript{"TRCAPT 1,PMOD,0.003", "TRCAPT? 1,PMOD", "TRCAPT 1,PMOD,0.005"}));
+}
+
+TEST_F(ReplacedCaptureTime, ThatCannotBeDrawnIsSentAndToldOnce) {
+  ReplaceCaptureTime(0);
+  ReplaceCaptureTime(0);
+  EXPECT_EQ(received(), (Transcript{"TRCAPT 1,PMOD,0", "TRCAPT 1,PMOD,0"}));
+  EXPECT_EQ(
+      shownBoxes(),
+      (std::vector<std::string>{"Pelmora|Division by zero: the capture time is 0|exclamation"}));
+}
+
+TEST_P(OnePendingEdit, ReadBackDoesNotOverwriteAValueFromElsewhere) {
+  edit(GetParam(), 3);
+  answer(GetParam(), "3");
+  duringReplyTo(GetParam().query, [] {
+    Settings.*GetParam().value = 7;
+    CountParameterEdits();
+  });
+  CarryOutPendingEdits();
+  EXPECT_EQ(Settings.*GetParam().value, 7.0F);
+  expectNothingPending();
 }
 
 }  // namespace

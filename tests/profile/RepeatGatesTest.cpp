@@ -141,5 +141,56 @@ TEST_F(RepeatGatesTest, OverflowEndsTheExpansionAtItsGate) {
   expectDefaultTimes(Settings.Gates[2]);
 }
 
+/// As after a file, which holds four gates.
+TEST_F(RepeatGatesTest, GatesFromAGivenOneFollowTheOneBefore) {
+  Settings.RepeatEnabled = True16;
+  Settings.RepeatCount = 6;
+  Settings.Gates[3].StartTime = 0.01F;
+  Settings.Gates[3].StopTime = 0.02F;
+  Settings.Gates[3].FenceStart = 0.012F;
+  Settings.Gates[3].FenceStop = 0.015F;
+  Settings.Gates[3].FenceEnabled = True16;
+  ExpandRepeatGates(5);
+  EXPECT_EQ(Settings.Gates[4].StartTime, 0.0106F);
+  EXPECT_EQ(Settings.Gates[4].StopTime, 0.0206F);
+  EXPECT_EQ(Settings.Gates[5].FenceStart, 0.0132F);
+  EXPECT_EQ(Settings.Gates[5].FenceStop, 0.0162F);
+  EXPECT_EQ(Settings.Gates[5].FenceEnabled, True16);
+  // What stands before and behind keeps its own, gate 1 too.
+  for (const std::size_t index : {0U, 1U, 2U, 6U, 7U}) {
+    SCOPED_TRACE("gate " + std::to_string(index + 1));
+    expectDefaultTimes(Settings.Gates[index]);
+    EXPECT_EQ(Settings.Gates[index].Enabled, False16);
+  }
+  EXPECT_EQ(Settings.Gates[3].StartTime, 0.01F);
+  EXPECT_EQ(Settings.Gates[3].Enabled, False16);
+}
+
+TEST_F(RepeatGatesTest, GatesBeyondTheCountDoNotFollow) {
+  for (const std::int16_t count : {std::int16_t{1}, std::int16_t{3}, std::int16_t{4}}) {
+    InitMeasurementSettings();
+    Settings.RepeatEnabled = True16;
+    Settings.RepeatCount = count;
+    ExpandRepeatGates(5);
+    EXPECT_EQ(gatesOn(), 0U);
+    for (const GateSettings& gate : Settings.Gates) expectDefaultTimes(gate);
+  }
+}
+
+TEST_F(RepeatGatesTest, NoGateFollowsWhileTheRepeatIsOff) {
+  Settings.RepeatCount = 8;
+  ExpandRepeatGates(5);
+  EXPECT_EQ(gatesOn(), 0U);
+  for (const GateSettings& gate : Settings.Gates) expectDefaultTimes(gate);
+}
+
+TEST_F(RepeatGatesTest, EachTimeOfAGateHasItsField) {
+  EXPECT_EQ(gateTimeField(GateTime::start), &GateSettings::StartTime);
+  EXPECT_EQ(gateTimeField(GateTime::stop), &GateSettings::StopTime);
+  EXPECT_EQ(gateTimeField(GateTime::fenceStart), &GateSettings::FenceStart);
+  EXPECT_EQ(gateTimeField(GateTime::fenceStop), &GateSettings::FenceStop);
+  EXPECT_EQ(gateTimeField(GateTime::none), nullptr);
+}
+
 }  // namespace
 }  // namespace pulsemod::test

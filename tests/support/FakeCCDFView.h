@@ -55,6 +55,7 @@ class FakeCCDFView : public CCDFView {
   bool cursorFrameIsShown() const override { return cursorIsShown; }
   void setSizingPointer(bool sizing) override { sizingPointer = sizing; }
   bool secondCurveIsShown() const override { return secondCurveShown; }
+  void showSecondCurve() override { secondCurveShown = true; }
 
   int timesCalled(const std::string& call) const {
     return static_cast<int>(std::count(calls.begin(), calls.end(), call));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -112,6 +113,11 @@ class FakeProfileView : public ProfileView {
   void showAcquisitionStarted() override { menus.emplace_back("started"); }
   void showAcquisitionStopped() override { menus.emplace_back("stopped"); }
   bool secondProfileIsShown() const override { return secondProfileShown; }
+  void showSecondProfile() override { secondProfileShown = true; }
+  void refreshGatePage() override {
+    ++timesGatePageRefreshed;
+    if (onGatePageRefresh) onGatePageRefresh();
+  }
 
   InfoBoxView* infoBox() override { return infoBoxOpen ? &info : nullptr; }
   MarkersView* markersWindow() override { return markersOpen ? &markers : nullptr; }
@@ -125,6 +131,9 @@ class FakeProfileView : public ProfileView {
   std::map<GraphLabel, std::string> labels;
   GateLineArray gateLines{};
   int timesGateLinesPlaced = 0;
+  int timesGatePageRefreshed = 0;
+  /// Runs at each `refreshGatePage`: what the page would show is in the model then.
+  std::function<void()> onGatePageRefresh;
   std::string rate = "Profile/Second: 0.00";
   std::string rateToolTip;
   int timesRateShown = 0;

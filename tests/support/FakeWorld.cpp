@@ -15,6 +15,7 @@
 #include "profile/ParameterEdits.h"
 #include "profile/ProfileGraph.h"
 #include "profile/Readouts.h"
+#include "settings/ConfigExchange.h"
 #include "startup/MeterModel.h"
 
 namespace pulsemod::test {
@@ -44,6 +45,7 @@ FakeWorld::FakeWorld() {
   CCDFPending = CCDFRequests{};
   CCDFMouse = CCDFMouseState{};
   PowerEdits = PowerEditCounts{};
+  ConfigExchangeBusy = False16;
   MeterModel = 0;
 }
 

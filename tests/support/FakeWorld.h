@@ -194,6 +194,28 @@ class FakeFileDialogs : public FileDialogs {
   std::vector<std::string> titles;
 };
 
+/// Files in memory.
+class FakeFiles : public Files {
+ public:
+  std::string read(const std::string& path, std::string& content) override {
+    if (!readFailure.empty()) return readFailure;
+    const auto found = contents.find(path);
+    if (found == contents.end()) return "No such file or directory";
+    content = found->second;
+    return {};
+  }
+  std::string replace(const std::string& path, std::string_view content) override {
+    if (!writeFailure.empty()) return writeFailure;
+    contents[path] = content;
+    return {};
+  }
+
+  std::map<std::string, std::string> contents;
+  /// What the next calls fail with.
+  std::string readFailure;
+  std::string writeFailure;
+};
+
 class FakeProgress : public Progress {
  public:
   void show(const std::string& text) override {
@@ -245,6 +267,7 @@ class FakeWorld {
   FakeSettingsStore store;
   FakeDialogs dialogs;
   FakeFileDialogs fileDialogs;
+  FakeFiles files;
   FakeProgress progress;
   FakeProgramEnd programEnd;
 
@@ -252,8 +275,8 @@ class FakeWorld {
   void useSerial();
 
  private:
-  Services services_{clock,   events,      gpib,     serial,    store,
-                     dialogs, fileDialogs, progress, programEnd};
+  Services services_{clock,   events,      gpib,  serial,   store,
+                     dialogs, fileDialogs, files, progress, programEnd};
   ServicesGuard guard_{services_};
 };
 

@@ -71,9 +71,9 @@ int statusAfterClose(CCDFBench& bench) {
   const pid_t child = fork();
   if (child == 0) {
     ExitingEnd end(world);
-    const Services exiting{world.clock,       world.events,   world.gpib,
-                           world.serial,      world.store,    world.dialogs,
-                           world.fileDialogs, world.progress, end};
+    const Services exiting{
+        world.clock,   world.events,      world.gpib,  world.serial,   world.store,
+        world.dialogs, world.fileDialogs, world.files, world.progress, end};
     const ServicesGuard guard(exiting);
     bench.window.close();
     _exit(1);
@@ -93,6 +93,7 @@ class CCDFMenuTest : public QObject {
   void mnemonicsAreUnique();
   void shortcuts();
   void initialStates();
+  void savedCurveIsOpened();
   void startAndStop();
   void stopOfTheSubsystemIsShown();
   void restart();
@@ -178,14 +179,32 @@ void CCDFMenuTest::shortcuts() {
 
 void CCDFMenuTest::initialStates() {
   CCDFBench bench;
-  QCOMPARE(disabledItems(bench),
-           QStringList({"OpenMenu", "menuSave", "menuStop", "menuOFF", "menuSetCursorPosition"}));
+  QCOMPARE(disabledItems(bench), QStringList({"menuStop", "menuOFF", "menuSetCursorPosition"}));
   QStringList checkable;
   for (const QAction* item : allItems(bench)) {
     if (item->isCheckable()) checkable << item->objectName();
     QVERIFY(!item->isChecked());
   }
   QCOMPARE(checkable, QStringList{"menuSecondProfile"});
+}
+
+void CCDFMenuTest::savedCurveIsOpened() {
+  CCDFBench bench;
+  bench.world.fileDialogs.saveAnswer = "/data/curve.txt";
+  bench.world.fileDialogs.openAnswer = "/data/curve.txt";
+  CCDFData[10] = 12.5F;
+  bench.item("menuSave").trigger();
+  QVERIFY(bench.world.files.contents.at("/data/curve.txt").starts_with("2\r\nDate\t2026-11-21"));
+  QVERIFY(!bench.window.secondCurveIsShown());
+  bench.item("OpenMenu").trigger();
+  QCOMPARE(SecondCCDFData[10], 12.5F);
+  QVERIFY(bench.item("menuSecondProfile").isChecked());
+  QVERIFY(bench.world.dialogs.messages.empty());
+  // A file that cannot be read is a fault of the handler.
+  bench.world.fileDialogs.openAnswer = "/data/none.txt";
+  bench.item("OpenMenu").trigger();
+  QCOMPARE(bench.world.dialogs.messages.size(), std::size_t{1});
+  QVERIFY(bench.received().empty());
 }
 
 void CCDFMenuTest::startAndStop() {
@@ -240,15 +259,14 @@ void CCDFMenuTest::cursorOnAndOff() {
   bench.show();
   bench.item("menuOn").trigger();
   QCOMPARE(bench.received(), (Transcript{"TTMKS 1,ON", "TTMKRO 1"}));
-  QCOMPARE(disabledItems(bench), QStringList({"OpenMenu", "menuSave", "menuStop", "menuOn"}));
+  QCOMPARE(disabledItems(bench), QStringList({"menuStop", "menuOn"}));
   QVERIFY(bench.part("FrameCursor").isVisible());
   QCOMPARE(bench.text("lblCursorPower"), "-15dBm");
   QCOMPARE(bench.text("lblCursorPercentage"), "12.5%");
   bench.received().clear();
   bench.item("menuOFF").trigger();
   QCOMPARE(bench.received(), Transcript{"TTMKS 1,OFF"});
-  QCOMPARE(disabledItems(bench),
-           QStringList({"OpenMenu", "menuSave", "menuStop", "menuOFF", "menuSetCursorPosition"}));
+  QCOMPARE(disabledItems(bench), QStringList({"menuStop", "menuOFF", "menuSetCursorPosition"}));
   QVERIFY(!bench.part("FrameCursor").isVisible());
 }
 
@@ -258,7 +276,7 @@ void CCDFMenuTest::cursorWhileRunning() {
   bench.item("menuStart").trigger();
   bench.item("menuOn").trigger();
   QVERIFY(bench.part("FrameCursor").isVisible());
-  QCOMPARE(disabledItems(bench), QStringList({"OpenMenu", "menuSave", "menuStart", "menuOn"}));
+  QCOMPARE(disabledItems(bench), QStringList({"menuStart", "menuOn"}));
   QVERIFY(bench.received().empty());
   bench.item("menuOFF").trigger();
   QVERIFY(!bench.part("FrameCursor").isVisible());

@@ -1,9 +1,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <QAbstractButton>
 #include <QAction>
+#include <QDialog>
 #include <QGroupBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QSet>
@@ -12,6 +15,7 @@
 #include "profile/AcquisitionLoop.h"
 #include "profile/MeasurementSettings.h"
 #include "profile/Readouts.h"
+#include "settings/PropertiesView.h"
 #include "support/FakeWorld.h"
 #include "ui/MainWindow.h"
 
@@ -57,9 +61,9 @@ int statusOfProcess(FakeWorld& world, const std::function<void()>& act) {
   const pid_t child = fork();
   if (child == 0) {
     ExitingEnd end;
-    const Services exiting{world.clock,       world.events,   world.gpib,
-                           world.serial,      world.store,    world.dialogs,
-                           world.fileDialogs, world.progress, end};
+    const Services exiting{
+        world.clock,   world.events,      world.gpib,  world.serial,   world.store,
+        world.dialogs, world.fileDialogs, world.files, world.progress, end};
     const ServicesGuard guard(exiting);
     act();
     _exit(1);
@@ -85,7 +89,12 @@ class MainMenuTest : public QObject {
   void freeRun();
   void displayUpdate();
   void secondProfile();
+  void savedProfileIsOpened();
   void commsAreShown();
+  void propertiesFollowTheMenu();
+  void startHidesProperties();
+  void propertiesOpenTheMarkers();
+  void propertiesFollowTheGraph();
   void infoBoxAndMarkers_data();
   void infoBoxAndMarkers();
   void tickFollowsTheWindow_data();
@@ -149,7 +158,7 @@ void MainMenuTest::shortcutsDoNotClash() {
 
 void MainMenuTest::initialStates() {
   Main main;
-  const QSet<QString> off{"menuStop", "menuOpen", "menuSave", "menuProperties"};
+  const QSet<QString> off{"menuStop"};
   const QSet<QString> checkItems{"menuSecondProfile", "menudisplayupdate", "menuInfoBox",
                                  "menuMarkers"};
   int items = 0;
@@ -167,15 +176,16 @@ void MainMenuTest::acquisitionChangesStates() {
   Main main;
   const auto states = [&main] {
     QList<bool> enabled;
-    for (const char* name : {"menuStart", "menuStop", "menuFreeRun", "menuComs", "menuGraphFont"}) {
+    for (const char* name : {"menuStart", "menuStop", "menuFreeRun", "menuProperties", "menuComs",
+                             "menuOpen", "menuSave", "menuGraphFont"}) {
       enabled << main.item(name).isEnabled();
     }
     return enabled;
   };
   main.window.showAcquisitionStarted();
-  QCOMPARE(states(), (QList<bool>{false, true, false, false, true}));
+  QCOMPARE(states(), (QList<bool>{false, true, false, false, false, true, true, true}));
   main.window.showAcquisitionStopped();
-  QCOMPARE(states(), (QList<bool>{true, false, true, true, true}));
+  QCOMPARE(states(), (QList<bool>{true, false, true, true, true, true, true, true}));
 }
 
 void MainMenuTest::startAndStop() {
@@ -215,6 +225,90 @@ void MainMenuTest::secondProfile() {
   main.item("menuSecondProfile").trigger();
   QVERIFY(!main.window.secondProfileIsShown());
   QVERIFY(main.world.meter.received.empty());
+}
+
+void MainMenuTest::savedProfileIsOpened() {
+  Main main;
+  main.world.fileDialogs.saveAnswer = "/data/profile.txt";
+  main.world.fileDialogs.openAnswer = "/data/profile.txt";
+  ProfileTrace[199] = -12.5F;
+  main.item("menuSave").trigger();
+  QVERIFY(main.world.files.contents.at("/data/profile.txt").starts_with("Date\t2026-11-21"));
+  main.item("menuOpen").trigger();
+  QCOMPARE(SecondProfileTrace[199], -12.5F);
+  QVERIFY(main.item("menuSecondProfile").isChecked());
+  QCOMPARE(main.world.fileDialogs.titles,
+           (std::vector<std::string>{"Save Profile", "Open Second Profile"}));
+  // A file that cannot be read is a fault of the handler.
+  main.world.fileDialogs.openAnswer = "/data/none.txt";
+  main.item("menuOpen").trigger();
+  QCOMPARE(main.world.dialogs.messages.size(), std::size_t{1});
+  QVERIFY(main.world.meter.received.empty());
+}
+
+void MainMenuTest::propertiesFollowTheMenu() {
+  Main main;
+  main.window.show();
+  main.item("menuProperties").trigger();
+  auto* const properties = main.window.findChild<QDialog*>("frmProperties");
+  QVERIFY(properties != nullptr);
+  QVERIFY(properties->isVisible());
+  QVERIFY(!properties->isModal());
+  QCOMPARE(&propertiesView(), dynamic_cast<PropertiesView*>(properties));
+  auto* const averaging = properties->findChild<QAbstractButton*>("chkAverage");
+  QCOMPARE(averaging->text(), "Average (1)");
+  properties->close();
+  Settings.Channels[0].AveragingCount = 40;
+  main.item("menuProperties").trigger();
+  QVERIFY(properties->isVisible());
+  QCOMPARE(averaging->text(), "Average (40)");
+  QCOMPARE(main.window.findChildren<QDialog*>("frmProperties").size(), 1);
+  QVERIFY(main.world.meter.received.empty());
+}
+
+void MainMenuTest::startHidesProperties() {
+  Main main;
+  main.window.show();
+  main.item("menuProperties").trigger();
+  auto* const properties = main.window.findChild<QDialog*>("frmProperties");
+  main.item("menuStart").trigger();
+  QVERIFY(!properties->isVisible());
+  QVERIFY(!main.item("menuProperties").isEnabled());
+  main.item("menuStop").trigger();
+  QVERIFY(!properties->isVisible());
+  QVERIFY(main.item("menuProperties").isEnabled());
+}
+
+void MainMenuTest::propertiesOpenTheMarkers() {
+  Main main;
+  main.window.show();
+  main.item("menuProperties").trigger();
+  auto* const properties = main.window.findChild<QDialog*>("frmProperties");
+  auto* const button = properties->findChild<QAbstractButton*>("cmdMarker");
+  for (int time = 0; time < 2; ++time) {
+    button->click();
+    QVERIFY(main.window.findChild<QWidget*>("frmMarkers")->isVisible());
+    QVERIFY(main.item("menuMarkers").isChecked());
+  }
+  QVERIFY(main.world.meter.received.empty());
+}
+
+/// An edge that is dragged tells the open dialog, and spares the closed one.
+void MainMenuTest::propertiesFollowTheGraph() {
+  Main main;
+  main.window.show();
+  main.window.refreshGatePage();
+  main.item("menuProperties").trigger();
+  auto* const properties = main.window.findChild<QDialog*>("frmProperties");
+  auto* const start = properties->findChild<QLineEdit*>("txtGateInfo_0");
+  QCOMPARE(start->text(), "100us");
+  Settings.Gates[0].StartTime = 0.00015F;
+  main.window.refreshGatePage();
+  QCOMPARE(start->text(), "150us");
+  properties->close();
+  Settings.Gates[0].StartTime = 0.0002F;
+  main.window.refreshGatePage();
+  QCOMPARE(start->text(), "150us");
 }
 
 void MainMenuTest::commsAreShown() {

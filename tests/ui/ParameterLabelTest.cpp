@@ -67,7 +67,8 @@ struct Main {
   }
   void useRealBoxes() {
     services.emplace(Services{world.clock, world.events, world.gpib, world.serial, world.store,
-                              realBoxes, world.fileDialogs, world.progress, world.programEnd});
+                              realBoxes, world.fileDialogs, world.files, world.progress,
+                              world.programEnd});
     realBoxesAreUsed.emplace(*services);
   }
   QLabel& label(const char* name) { return *window.findChild<QLabel*>(name); }

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/Files.h"
+
+namespace pulsemod {
+
+class QtFiles : public Files {
+ public:
+  std::string read(const std::string& path, std::string& content) override;
+  std::string replace(const std::string& path, std::string_view content) override;
+};
+
+}  // namespace pulsemod
