@@ -37,8 +37,9 @@ LoadedGpib loadGpibLibrary(const char* libraryName) {
 
   const HMODULE library = LoadLibraryA(libraryName);
   if (library == nullptr) {
+    const DWORD error = GetLastError();
     loaded.unusableReason = "The GPIB library " + std::string(libraryName) +
-                            " could not be loaded (error " + std::to_string(GetLastError()) +
+                            " could not be loaded (error " + std::to_string(error) +
                             "). Install the driver of the GPIB board.";
     return loaded;
   }
