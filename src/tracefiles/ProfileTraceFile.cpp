@@ -74,25 +74,23 @@ void takeOverHead(const TraceHead& head) {
   RefreshGraph();
 }
 
-/// `SecondProfileTrace` as the file would make it.
-Trace readPoints(LineReader& lines, std::int32_t count) {
-  Trace trace = SecondProfileTrace;
-  for (std::size_t point = 0; point < static_cast<std::size_t>(count); ++point) {
-    trace[point] = secondNumber(lines, lines.next());
-  }
-  return trace;
-}
-
-/// The axis first, then the points on it.
-void show(const TraceHead& head, const Trace& trace) {
+/// The axis of the points: of the file while stopped, else of the meter, which the user may bring
+/// to the file's.
+void agreeOnAxis(const TraceHead& head) {
   if (AcquisitionRunning == False16) {
     takeOverHead(head);
   } else if (!isPresentCaptureTime(head.captureTime) && wantsSavedCaptureTime()) {
     ReplaceCaptureTime(head.captureTime);
   }
+}
+
+/// All points or none.
+void readPoints(LineReader& lines, std::int32_t count) {
+  Trace trace = SecondProfileTrace;
+  for (std::size_t point = 0; point < static_cast<std::size_t>(count); ++point) {
+    trace[point] = secondNumber(lines, lines.next());
+  }
   SecondProfileTrace = trace;
-  profileView().showSecondProfile();
-  if (AcquisitionRunning == False16) RefreshPicture();
 }
 
 }  // namespace
@@ -137,14 +135,15 @@ void OpenProfileTraceFile(const std::string& path) {
     return;
   }
   requireStorable(head.points);
-  Trace trace{};
+  agreeOnAxis(head);
   try {
-    trace = readPoints(lines, head.points);
+    readPoints(lines, head.points);
   } catch (const Fault& fault) {
     services().dialogs.showMessage(fault.what(), openTitle, MessageIcon::exclamation);
     return;
   }
-  show(head, trace);
+  profileView().showSecondProfile();
+  if (AcquisitionRunning == False16) RefreshPicture();
 }
 
 }  // namespace pulsemod

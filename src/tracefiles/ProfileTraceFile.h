@@ -38,7 +38,8 @@ void OpenProfileTrace();
 ///
 /// A file without a number of points is refused with a message. One whose points end early, or have
 /// a line without two numbers, shows a message; one that cannot be read, ends before its capture
-/// period, or has more than 400 points, is a `Fault`. Nothing has changed then.
+/// period, or has more than 400 points, is a `Fault`. `SecondProfileTrace` is then as it was; what
+/// was agreed on before the points were read (number of points, capture period) stays.
 void OpenProfileTraceFile(const std::string& path);
 
 }  // namespace pulsemod

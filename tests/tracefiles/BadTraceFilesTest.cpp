@@ -155,14 +155,13 @@ class BadTraceFile : public TraceFileTest, public ::testing::WithParamInterface<
     EXPECT_EQ(Settings.CaptureTime, 0.0046F);
     EXPECT_TRUE(received().empty());
     EXPECT_TRUE(shownQuestions().empty());
-    EXPECT_EQ(view.picture.timesShown, 0);
   }
 };
 
 INSTANTIATE_TEST_SUITE_P(Files, BadTraceFile, ::testing::ValuesIn(badFiles()),
                          [](const auto& tested) { return tested.param.name; });
 
-TEST_P(BadTraceFile, IsRefusedWhileStoppedAndChangesNothing) {
+TEST_P(BadTraceFile, IsRefusedWhileStopped) {
   open(GetParam().content);
   if (GetParam().message.empty()) {
     EXPECT_TRUE(shownBoxes().empty());
@@ -174,7 +173,7 @@ TEST_P(BadTraceFile, IsRefusedWhileStoppedAndChangesNothing) {
   expectNothingChanged();
 }
 
-TEST_P(BadTraceFile, IsRefusedWhileRunningAndChangesNothing) {
+TEST_P(BadTraceFile, IsRefusedWhileRunning) {
   AcquisitionRunning = True16;
   open(GetParam().content);
   if (GetParam().message.empty()) {
@@ -191,22 +190,27 @@ TEST_P(BadTraceFile, IsRefusedWhileRunningAndChangesNothing) {
   expectNothingChanged();
 }
 
-/// The head of a file whose points are bad is not taken over either.
-TEST_F(TraceFileTest, ABadPointKeepsTheAxisAsItWas) {
+/// The axis is agreed on before the points are read.
+TEST_F(TraceFileTest, WhileStoppedTheAxisOfAFileWithABadPointIsTakenOver) {
   FileLines lines = traceLines("400", "0.01", pointLines(400));
   lines.back() = "no";
   open(fileOf(lines));
   EXPECT_EQ(shownBoxes(), (Boxes{noPoint(405)}));
-  EXPECT_EQ(Settings.DisplayPoints, 200);
-  EXPECT_EQ(Settings.CaptureTime, 0.0046F);
+  EXPECT_EQ(Settings.DisplayPoints, 400);
+  EXPECT_EQ(Settings.CaptureTime, 0.01F);
+  EXPECT_EQ(view.graphLabel(GraphLabel::capture), "10ms");
+  EXPECT_TRUE(received().empty());
+  expectNotOpened();
+}
+
+TEST_F(TraceFileTest, WhileRunningTheQuestionComesBeforeTheBadPoint) {
   AcquisitionRunning = True16;
   world.dialogs.yesNoAnswers = {true};
-  lines = traceLines("200", "0.01", pointLines(199));
-  open(fileOf(lines));
-  EXPECT_EQ(shownBoxes().back(), badPoints(endsAfter(204)));
-  EXPECT_TRUE(shownQuestions().empty());
-  EXPECT_EQ(Settings.CaptureTime, 0.0046F);
-  EXPECT_TRUE(received().empty());
+  open(fileOf(traceLines("200", "0.01", pointLines(199))));
+  EXPECT_EQ(shownQuestions(), (Boxes{otherPeriodQuestion}));
+  EXPECT_EQ(shownBoxes(), (Boxes{badPoints(endsAfter(204))}));
+  EXPECT_EQ(Settings.CaptureTime, 0.01F);
+  EXPECT_EQ(received(), (Transcript{"TRCAPT 1,PMOD,0.01"}));
   expectNotOpened();
 }
 
