@@ -6,6 +6,8 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
+#include <utility>
 
 namespace robot {
 
@@ -98,6 +100,26 @@ void RobotClient::type(const std::string& name, const std::string& text) {
 
 void RobotClient::key(const std::string& window, const std::string& keys) {
   ask({"key", window, keys});
+}
+
+void RobotClient::chooseFile(const std::string& dialog, const std::string& path) {
+  // A list of completions that opens meanwhile takes a Return for itself.
+  constexpr int mostReturns = 5;
+  constexpr milliseconds soon{1000};
+  const std::string edit = dialog + "/fileNameEdit";
+  type(edit, path);
+  const milliseconds limit = limit_;
+  for (int returns = 1; is(dialog, "visible"); ++returns) {
+    key(edit, "Return");
+    if (returns < mostReturns) limit_ = soon;
+    try {
+      waitGone(dialog);
+    } catch (const RobotError&) {
+      limit_ = limit;
+      if (returns == mostReturns) throw;
+    }
+    limit_ = limit;
+  }
 }
 
 void RobotClient::close(const std::string& window) { ask({"close", window}); }

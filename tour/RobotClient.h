@@ -68,6 +68,8 @@ class RobotClient {
   void type(const std::string& name, const std::string& text);
   /// Presses a key in a window, written as in `Ctrl+S` or `Escape`.
   void key(const std::string& window, const std::string& keys);
+  /// Types the path into a file dialog and accepts it; returns when the dialog is gone.
+  void chooseFile(const std::string& dialog, const std::string& path);
   /// The window's close button.
   void close(const std::string& window);
   void resize(const std::string& window, int width, int height);

@@ -21,6 +21,7 @@ void Tour::walk() {
   editLinkSettings();
   turnPages();
   saveAndOpen("frmMain/menuSave", "frmMain/menuOpen");
+  compareProfiles();
   shrinkWindow();
 }
 
@@ -33,6 +34,7 @@ void Tour::walkCCDF() {
   editPower();
   openCCDFMenus();
   saveAndOpen("frmCCDF/menuSave", "frmCCDF/OpenMenu");
+  compareCurves();
   shrinkCCDFWindow();
 }
 
@@ -185,21 +187,43 @@ void Tour::turnPages() {
 
 /// What is on the screen into a file, and back as the second trace.
 void Tour::saveAndOpen(const std::string& saveItem, const std::string& openItem) {
-  const std::string file = folder_ + "/saved.txt";
-  std::filesystem::remove(file);
+  // Without its folder, since a dialog completes the names of folders while they are typed.
+  const std::string file = "saved.txt";
+  std::filesystem::remove(folder_ + "/" + file);
   hands_.trigger(saveItem);
   takePicture("save", "saveFileDialog");
-  hands_.type("saveFileDialog/fileNameEdit", file);
-  hands_.key("saveFileDialog/fileNameEdit", "Return");
-  hands_.waitGone("saveFileDialog");
+  hands_.chooseFile("saveFileDialog", file);
   hands_.trigger(openItem);
   takePicture("open", "openFileDialog");
-  hands_.type("openFileDialog/fileNameEdit", file);
-  hands_.key("openFileDialog/fileNameEdit", "Return");
-  hands_.waitGone("openFileDialog");
+  hands_.chooseFile("openFileDialog", file);
   hands_.waitUntil(in("menuSecondProfile"), "checked", "true");
-  takePicture("second-trace", window_);
-  hands_.trigger(in("menuSecondProfile"));
+}
+
+/// With another trigger delay the live profile stands beside the saved one.
+void Tour::compareProfiles() {
+  hands_.click("frmMain/lblStart");
+  hands_.waitVisible("inputBox");
+  hands_.type("inputBox/QLineEdit", "100us");
+  hands_.key("inputBox", "Return");
+  hands_.waitUntil("frmMain/lblStart", "text", "100us");
+  // Else the rate of before the start would be taken for a new one.
+  hands_.resize("frmMain", 810, 610);
+  hands_.waitUntil("frmMain/lblgraphspeed", "text", "Profile/Second: 0.00");
+  hands_.trigger("frmMain/menuStart");
+  resizeAndAwait(800, 600);
+  takePicture("second-profile", "frmMain");
+  hands_.trigger("frmMain/menuStop");
+  hands_.trigger("frmMain/menuSecondProfile");
+}
+
+void Tour::compareCurves() {
+  hands_.trigger("frmCCDF/menuMeasSourceChannel");
+  hands_.waitVisible("messageBox");
+  hands_.key("messageBox", "Return");
+  hands_.waitGone("messageBox");
+  resizeAndAwait(800, 600);
+  takePicture("second-curve", "frmCCDF");
+  hands_.trigger("frmCCDF/menuSecondProfile");
 }
 
 void Tour::shrinkWindow() {

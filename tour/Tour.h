@@ -39,6 +39,8 @@ class Tour {
   void editLinkSettings();
   void turnPages();
   void saveAndOpen(const std::string& saveItem, const std::string& openItem);
+  void compareProfiles();
+  void compareCurves();
   void shrinkWindow();
 
   void enterCCDF();

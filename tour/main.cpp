@@ -83,6 +83,8 @@ int main(int argc, char** argv) {
   std::filesystem::create_directories(folder, error);
   if (error) giveUp("cannot make " + folder.string() + ": " + error.message());
   order.folder = folder.string();
+  // File dialogs begin here.
+  std::filesystem::current_path(folder, error);
 
   // The system's own font and file dialogs cannot be reached from here.
   QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);

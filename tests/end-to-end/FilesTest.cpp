@@ -66,9 +66,7 @@ class FileBench : public WindowBench {
     auto& hands = this->hands();
     hands.waitVisible(dialog);
     EXPECT_EQ(hands.get(dialog, "windowTitle"), title);
-    hands.type(dialog + "/fileNameEdit", file);
-    hands.key(dialog + "/fileNameEdit", "Return");
-    hands.waitGone(dialog);
+    hands.chooseFile(dialog, file);
   }
   void saveByMenu(const std::string& item, const std::string& title, const std::string& file) {
     this->hands().trigger(item);
