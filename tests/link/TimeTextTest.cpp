@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <charconv>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -78,6 +79,13 @@ TEST_P(TimeText, SecondsBearTheUnitOfMilliseconds) {
   EXPECT_EQ(FormatTime(10), "10ms");
   EXPECT_EQ(FormatTime(1000), "1000ms");
   EXPECT_EQ(FormatTime(1e7F), "1E+07ms");
+}
+
+/// A thousand times the value fits no single.
+TEST_P(TimeText, LargestTimesHaveATextOfTheirOwn) {
+  EXPECT_EQ(FormatTime(std::numeric_limits<float>::max()), "3.402823E+38ms");
+  EXPECT_EQ(FormatTime(-std::numeric_limits<float>::max()), "-3.402823E+38ms");
+  EXPECT_EQ(FormatTime(4e35F), "4E+35ms");
 }
 
 TEST_P(TimeText, EveryTypedTimeOfUpToTwoDecimalsIsShownAsTyped) {
