@@ -5,7 +5,7 @@ build_packages=(g++ cmake ninja-build qt6-base-dev qt6-serialport-dev fonts-deja
 # A virtual screen for a machine without a display.
 screen_packages=(xvfb xauth)
 # What the tests and the static checks need besides.
-test_packages=(libgtest-dev clang clang-format clang-tidy libclang-rt-14-dev git locales python3
+test_packages=(libgtest-dev clang-format clang-tidy git locales python3
   g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64)
 
 is_installed() {

@@ -253,6 +253,7 @@ TEST_P(NumberText, WholeSingleTakesNumbersFromEndToEndOnly) {
   for (const Row& row : rows) EXPECT_EQ(wholeSingle(row.text), row.number) << row.text;
   using namespace std::string_view_literals;
   EXPECT_EQ(wholeSingle("7\0"sv), std::nullopt);
+  EXPECT_EQ(wholeSingle("\r\n7\r\n"), 7.0F);
 }
 
 TEST_P(NumberText, LeadingWholeRoundsHalvesToEvenAndRefusesWhatDoesNotFit) {
