@@ -97,6 +97,8 @@ void MessageExchange::runMessage(TimePoint now) {
     const std::size_t semicolon = rest.find(';');
     const std::string_view unit = trimBlanks(rest.substr(0, semicolon));
     if (!unit.empty()) runUnit(unit, answer, isBlock, now);
+    // What ends and returns within a message is a new reason, and so is its reply.
+    watchService(now);
     if (answer.size() > kLongestAnswer || deadlocked) {
       // The controller sends on and does not read: nothing can leave any more.
       if (!deadlocked) reportQueryError("DEADLOCK");
@@ -256,10 +258,10 @@ int MessageExchange::statusByte(TimePoint now) const {
 }
 
 void MessageExchange::watchService(TimePoint now) {
-  const bool reason = (statusByte(now) & serviceEnable_) != 0;
-  if (!reason) requested_ = false;
-  if (reason && !serviceReason_) requested_ = true;
-  serviceReason_ = reason;
+  const int reasons = statusByte(now) & serviceEnable_;
+  if (reasons == 0) requested_ = false;
+  if ((reasons & ~serviceReasons_) != 0) requested_ = true;  // each bit is a reason of its own
+  serviceReasons_ = reasons;
 }
 
 bool MessageExchange::requestsService(TimePoint now) {
@@ -339,7 +341,7 @@ constexpr std::array kCommon = {
 }  // namespace
 
 Refusal MessageExchange::executeCommon(std::string_view unit, std::string& answer, TimePoint now) {
-  const std::size_t end = unit.find_first_of(" \t");
+  const std::size_t end = findBlank(unit);
   const std::string_view argument =
       end == std::string_view::npos ? std::string_view{} : trimBlanks(unit.substr(end));
   for (const CommonCommand& command : kCommon) {
@@ -347,10 +349,11 @@ Refusal MessageExchange::executeCommon(std::string_view unit, std::string& answe
     if (command.takesNumber == argument.empty()) return Refusal::kCommand;
     int number = 0;
     if (command.takesNumber) {
-      const auto parsed = parseNumber(argument);
+      const auto parsed = parseDecimal(argument);
       if (!parsed) return Refusal::kCommand;
-      if (*parsed < -0.5 || *parsed >= 255.5) return Refusal::kExecution;
-      number = static_cast<int>(std::lround(*parsed));
+      const double rounded = std::round(*parsed);
+      if (rounded < 0 || rounded > 255) return Refusal::kExecution;
+      number = static_cast<int>(rounded);
     }
     command.run(*this, number, now, answer);
     return Refusal::kNone;

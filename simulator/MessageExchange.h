@@ -122,7 +122,7 @@ class MessageExchange {
   int eventStatus_ = esr::kPowerOn;
   int eventEnable_ = 0;
   int serviceEnable_ = 0;
-  bool serviceReason_ = false;
+  int serviceReasons_ = 0;  // the enabled bits of the status byte when it was last looked at
   bool requested_ = false;
   bool hungUp_ = false;
 };

@@ -47,6 +47,7 @@ SettingArguments readArguments(const SettingRow& row, bool isQuery, std::string_
   if (row.perChannel) {
     result.channelText = parts[next];
     result.channel = parseChannel(parts[next++]);
+    if (result.channelText.empty()) return refuse(Refusal::kCommand);
     if (result.channel.first == 0) return refuse(Refusal::kExecution);
   }
   if (row.elements > 0) {
@@ -67,6 +68,17 @@ struct ParsedValue {
   double value = 0;
 };
 
+// Some words are numbers, and a number has many forms.
+int wordOrNumberIndex(const SettingRow& row, std::string_view text) {
+  const int index = wordIndex(row, text);
+  if (index >= 0) return index;
+  const std::optional<double> number = parseDecimal(text);
+  if (!number || std::fabs(*number) > 1e6) return -1;
+  std::string whole;
+  appendInteger(whole, std::llround(*number));
+  return wordIndex(row, whole);
+}
+
 ParsedValue parseValue(const SettingRow& row, std::string_view text) {
   if (row.kind == ValueKind::kOnOff) {
     if (equalIgnoringCase(text, "ON")) return {Refusal::kNone, 1};
@@ -74,11 +86,11 @@ ParsedValue parseValue(const SettingRow& row, std::string_view text) {
     return {Refusal::kExecution, 0};
   }
   if (row.kind == ValueKind::kWord) {
-    const int index = wordIndex(row, text);
+    const int index = wordOrNumberIndex(row, text);
     if (index < 0) return {Refusal::kExecution, 0};
     return {Refusal::kNone, static_cast<double>(index)};
   }
-  const std::optional<double> number = parseNumber(text);
+  const std::optional<double> number = parseDecimal(text);
   if (!number) return {Refusal::kCommand, 0};
   const double value = row.kind == ValueKind::kWhole ? std::round(*number) : *number;
   if (value < row.minimum || value > row.maximum) return {Refusal::kExecution, 0};
@@ -108,9 +120,10 @@ std::size_t splitArguments(std::string_view text, std::span<std::string_view> pa
 }
 
 int parseElement(std::string_view text, int most) {
-  const std::optional<std::int64_t> number = parseInteger(text);
+  const std::optional<double> number = parseDecimal(text);
   if (!number) return -1;
-  return *number >= 1 && *number <= most ? static_cast<int>(*number) : 0;
+  const double rounded = std::round(*number);
+  return rounded >= 1 && rounded <= most ? static_cast<int>(rounded) : 0;
 }
 
 Meter::Meter(MeterOptions options) : options_(std::move(options)), noise_(options_.seed) {}
@@ -127,7 +140,7 @@ void Meter::reset() {
 
 Refusal Meter::execute(std::string_view unit, std::string& answer, bool& isBlock) {
   unit = trimBlanks(unit);
-  const std::size_t end = unit.find_first_of(" \t");
+  const std::size_t end = findBlank(unit);
   std::string_view header = unit.substr(0, end);
   const std::string_view arguments =
       end == std::string_view::npos ? std::string_view{} : unit.substr(end);

@@ -266,6 +266,7 @@ Refusal runReadout(Meter& meter, const Readout& readout, std::string_view argume
   std::array<std::string_view, 2> parts;
   const std::size_t expected = (readout.takesChannel ? 1u : 0u) + (readout.elements > 0 ? 1u : 0u);
   if (splitArguments(arguments, parts) != expected) return Refusal::kCommand;
+  if (readout.takesChannel && parts[0].empty()) return Refusal::kCommand;
   const ChannelArgument which =
       readout.takesChannel ? parseChannel(parts[0]) : ChannelArgument{1, 1};
   if (which.first == 0) return Refusal::kExecution;

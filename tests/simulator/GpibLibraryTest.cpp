@@ -1,5 +1,4 @@
 // The built library through its C calls, loaded as its users load it.
-#include <dlfcn.h>
 #include <elf.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -13,13 +12,14 @@
 
 #include "Bench.h"
 #include "GpibBus.h"
+#include "GpibCalls.h"
 
 namespace simmeter {
 namespace {
 
 using std::chrono::milliseconds;
 
-class GpibLibrary : public testing::Test {
+class GpibLibrary : public testing::Test, protected GpibCalls {
  protected:
   // A copy for each test, since a library is loaded once and keeps its meter.
   void load(std::string_view scenario = {}) {
@@ -28,30 +28,12 @@ class GpibLibrary : public testing::Test {
     ::setenv("SIMULATED_METER_TRANSCRIPT", (folder_ / "transcript").c_str(), 1);
     const std::string copy = folder_ / "libgpib.so.0";
     std::filesystem::copy_file(SIMMETER_LIBRARY, copy);
-    void* library = ::dlopen(copy.c_str(), RTLD_NOW | RTLD_LOCAL);
-    ASSERT_NE(library, nullptr) << ::dlerror();
-    resolve(library, "SendIFC", SendIFC);
-    resolve(library, "DevClear", DevClear);
-    resolve(library, "Send", Send);
-    resolve(library, "Receive", Receive);
-    resolve(library, "ReadStatusByte", ReadStatusByte);
-    resolve(library, "ibfind", ibfind);
-    resolve(library, "ibonl", ibonl);
-    resolve(library, "ThreadIbsta", ThreadIbsta);
-    resolve(library, "ThreadIberr", ThreadIberr);
-    resolve(library, "ThreadIbcntl", ThreadIbcntl);
+    ASSERT_EQ(loadFrom(copy), "");
   }
 
   void start(std::string_view scenario = {}) {
     load(scenario);
     SendIFC(0);
-  }
-
-  template <typename Function>
-  static void resolve(void* library, const char* name, Function*& target) {
-    void* symbol = ::dlsym(library, name);
-    ASSERT_NE(symbol, nullptr) << name;
-    target = reinterpret_cast<Function*>(symbol);
   }
 
   bool send(std::string_view text, int end = 2) {
@@ -78,17 +60,6 @@ class GpibLibrary : public testing::Test {
   }
 
   std::string record() { return readFile(folder_ / "transcript"); }
-
-  void (*SendIFC)(int) = nullptr;
-  void (*DevClear)(int, std::uint16_t) = nullptr;
-  void (*Send)(int, std::uint16_t, const void*, long, int) = nullptr;
-  void (*Receive)(int, std::uint16_t, void*, long, int) = nullptr;
-  void (*ReadStatusByte)(int, std::uint16_t, short*) = nullptr;
-  int (*ibfind)(const char*) = nullptr;
-  int (*ibonl)(int, int) = nullptr;
-  int (*ThreadIbsta)() = nullptr;
-  int (*ThreadIberr)() = nullptr;
-  long (*ThreadIbcntl)() = nullptr;
 
  private:
   TemporaryFolder folder_;

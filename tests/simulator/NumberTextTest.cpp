@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <string>
+
 #include "NumberText.h"
 
 namespace simmeter {
@@ -47,6 +50,30 @@ TEST(NumberText, ReadsWholeNumbersOnly) {
   EXPECT_FALSE(parseNumber("inf"));
   EXPECT_FALSE(parseNumber("nan"));
   EXPECT_FALSE(parseNumber("1e999"));
+}
+
+TEST(NumberText, ReadsTheNumbersOfMessages) {
+  EXPECT_EQ(parseDecimal("5E-06"), 5e-6);
+  EXPECT_EQ(parseDecimal("+.5 e +1"), 5);
+  EXPECT_EQ(parseDecimal("-1E400"), -HUGE_VAL);
+  EXPECT_EQ(parseDecimal(std::string(400, '9')), HUGE_VAL);
+  EXPECT_EQ(parseDecimal("1E-400"), 0);
+  EXPECT_EQ(parseDecimal("0." + std::string(400, '0') + "1"), 0);
+  EXPECT_EQ(parseDecimal("0." + std::string(400, '0') + "1E401"), 1);
+  EXPECT_EQ(parseDecimal("1E32000"), HUGE_VAL);
+  EXPECT_FALSE(parseDecimal("1E32001"));
+  EXPECT_FALSE(parseDecimal("1E"));
+  EXPECT_FALSE(parseDecimal("+-1"));
+  EXPECT_FALSE(parseDecimal("1 2"));
+  EXPECT_FALSE(parseDecimal("inf"));
+  EXPECT_FALSE(parseDecimal(""));
+}
+
+TEST(NumberText, ReadsIntegersWithOneSign) {
+  EXPECT_EQ(parseInteger("+12"), 12);
+  EXPECT_EQ(parseInteger("-12"), -12);
+  EXPECT_FALSE(parseInteger("+-12"));
+  EXPECT_FALSE(parseInteger("1.0"));
 }
 
 TEST(NumberText, NeverKeepsANegativeZero) { EXPECT_EQ(text(parseNumber("-0").value()), "0"); }

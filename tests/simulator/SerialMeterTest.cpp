@@ -2,10 +2,8 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <signal.h>
 #include <sys/ioctl.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <termios.h>
 
 #include <array>
@@ -15,69 +13,12 @@
 #include <thread>
 
 #include "Bench.h"
+#include "MeterProgram.h"
 
 namespace simmeter {
 namespace {
 
 using std::chrono::milliseconds;
-
-// A started program with its standard output in a pipe and its error output in a file.
-class Program {
- public:
-  Program(std::vector<std::string> arguments, const std::string& errors) {
-    std::array<int, 2> ends{};
-    if (::pipe(ends.data()) != 0) return;
-    arguments.insert(arguments.begin(), SIMMETER_PROGRAM);
-    std::vector<char*> raw;
-    for (std::string& each : arguments) raw.push_back(each.data());
-    raw.push_back(nullptr);
-    process_ = ::fork();
-    if (process_ == 0) {
-      ::unsetenv("SIMULATED_METER_SCENARIO");
-      ::unsetenv("SIMULATED_METER_TRANSCRIPT");
-      ::dup2(ends[1], 1);
-      const int file = ::open(errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-      ::dup2(file, 2);
-      ::close(ends[0]);
-      ::close(ends[1]);
-      ::execv(raw[0], raw.data());
-      ::_exit(127);
-    }
-    ::close(ends[1]);
-    output_ = ends[0];
-  }
-  Program(const Program&) = delete;
-  Program& operator=(const Program&) = delete;
-  ~Program() {
-    if (process_ > 0) {
-      ::kill(process_, SIGKILL);
-      wait();
-    }
-    ::close(output_);
-  }
-
-  std::string firstLine() {
-    std::string line;
-    char c = 0;
-    while (::read(output_, &c, 1) == 1 && c != '\n') line += c;
-    return line;
-  }
-
-  void signal(int number) { ::kill(process_, number); }
-  pid_t process() const { return process_; }
-
-  // The exit code; -1 when it was killed by a signal.
-  int wait() {
-    int status = 0;
-    ::waitpid(process_, &status, 0);
-    process_ = -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-
- private:
-  pid_t process_ = -1;
-  int output_ = -1;
-};
 
 class SerialMeter : public testing::Test {
  protected:
@@ -86,7 +27,7 @@ class SerialMeter : public testing::Test {
     std::vector<std::string> arguments{"--scenario", folder / "scenario", "--transcript",
                                        folder / "transcript"};
     arguments.insert(arguments.end(), extra.begin(), extra.end());
-    program = std::make_unique<Program>(arguments, folder / "errors");
+    program = std::make_unique<MeterProgram>(SIMMETER_PROGRAM, arguments, folder / "errors");
     device = program->firstLine();
     open();
   }
@@ -132,7 +73,7 @@ class SerialMeter : public testing::Test {
   std::string record() { return readFile(folder / "transcript"); }
 
   TemporaryFolder folder;
-  std::unique_ptr<Program> program;
+  std::unique_ptr<MeterProgram> program;
   std::string device;
   int line = -1;
 };
@@ -301,7 +242,7 @@ TEST_F(SerialMeter, ReplacesAnOldLink) {
 
 TEST_F(SerialMeter, LeavesAFileAlone) {
   writeFile(folder / "precious", "data");
-  Program refused({"--link", folder / "precious"}, folder / "errors");
+  MeterProgram refused(SIMMETER_PROGRAM, {"--link", folder / "precious"}, folder / "errors");
   EXPECT_EQ(refused.firstLine(), "");
   EXPECT_EQ(refused.wait(), 1);
   EXPECT_EQ(readFile(folder / "precious"), "data");
@@ -310,25 +251,25 @@ TEST_F(SerialMeter, LeavesAFileAlone) {
 
 TEST_F(SerialMeter, RefusesABadScenario) {
   writeFile(folder / "scenario", "modle = X\n");
-  Program refused({"--scenario", folder / "scenario"}, folder / "errors");
+  MeterProgram refused(SIMMETER_PROGRAM, {"--scenario", folder / "scenario"}, folder / "errors");
   EXPECT_EQ(refused.wait(), 2);
   EXPECT_NE(readFile(folder / "errors").find("line 1: unknown key 'modle'"), std::string::npos);
 }
 
 TEST_F(SerialMeter, RefusesUnknownOptions) {
-  Program unknown({"--speed"}, folder / "errors");
+  MeterProgram unknown(SIMMETER_PROGRAM, {"--speed"}, folder / "errors");
   EXPECT_EQ(unknown.wait(), 2);
-  Program incomplete({"--baud"}, folder / "errors");
+  MeterProgram incomplete(SIMMETER_PROGRAM, {"--baud"}, folder / "errors");
   EXPECT_EQ(incomplete.wait(), 2);
-  Program wrong({"--baud", "fast"}, folder / "errors");
+  MeterProgram wrong(SIMMETER_PROGRAM, {"--baud", "fast"}, folder / "errors");
   EXPECT_EQ(wrong.wait(), 2);
 }
 
 TEST_F(SerialMeter, HelpsAndSaysItsVersion) {
-  Program help({"--help"}, folder / "errors");
+  MeterProgram help(SIMMETER_PROGRAM, {"--help"}, folder / "errors");
   EXPECT_EQ(help.firstLine(), "Usage: simulated-meter [options]");
   EXPECT_EQ(help.wait(), 0);
-  Program version({"--version"}, folder / "errors");
+  MeterProgram version(SIMMETER_PROGRAM, {"--version"}, folder / "errors");
   EXPECT_EQ(version.firstLine().substr(0, 16), "simulated-meter ");
   EXPECT_EQ(version.wait(), 0);
 }
