@@ -66,7 +66,7 @@ void measure(const QTemporaryDir& folder, const std::string& kind, const Text& t
   const std::string path = ours.toStdString();
   const std::string bytes = text();
   bench::compareWithBound(("save " + kind).c_str(), boundMs,
-                          [&] { return bench::secondsOf([&] { writeTextFile(path, text()); }); },
+                          [&] { return bench::secondsOf([&] { writeFile(path, text()); }); },
                           [&] { return bench::secondsOf([&] { writeBare(bare, bytes); }); });
   require(readTextFile(path).size() == bytes.size());
   bench::compareWithBound(("open " + kind).c_str(), boundMs,

@@ -210,6 +210,7 @@ const std::vector<const FaultRule*>& FaultPlan::strike(Moment moment, std::strin
     ++rule.seen;
     if (rule.seen >= rule.first && rule.seen <= rule.last) struck_.push_back(&rule);
   }
+  strikes_ += struck_.size();
   return struck_;
 }
 

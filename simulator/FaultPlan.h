@@ -60,12 +60,16 @@ class FaultPlan {
   const std::vector<const FaultRule*>& onUnit(std::string_view unit);
   const std::vector<const FaultRule*>& onCall(std::string_view name);
 
+  // How often a rule has struck so far.
+  std::uint64_t strikes() const { return strikes_; }
+
  private:
   enum class Moment { kReply, kUnit, kCall };
   const std::vector<const FaultRule*>& strike(Moment moment, std::string_view text);
 
   std::vector<FaultRule> rules_;
   std::vector<const FaultRule*> struck_;
+  std::uint64_t strikes_ = 0;
 };
 
 }  // namespace simmeter

@@ -50,6 +50,9 @@ class GpibBus {
   CallStatus find(const char* name, int& descriptor);
   CallStatus setOnline(int descriptor, bool online);
 
+  // The scenario's faults; another plan takes effect with the next call.
+  FaultPlan& faults() { return exchange_.faults(); }
+
  private:
   struct Entry {
     CallStatus status;

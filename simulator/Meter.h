@@ -26,6 +26,7 @@ enum class Refusal {
 struct MeterOptions {
   std::string identity = "PELMORA,QX7205A,SN001234,V1.05";
   std::uint32_t seed = 1;
+  bool stillNoise = false;  // every capture and block of samples begins the noise at the seed anew
   Envelope envelope = Envelope::kGaussian;
   bool numberTraces = false;  // the last point of each trace carries its number
 };
@@ -69,6 +70,7 @@ class Meter {
   void settingChanged(SettingId id, int channel);
 
   Channel& channel(int number) { return channels_[static_cast<std::size_t>(number - 1)]; }
+  void beginNoise();
   void capture(int number);
   bool traceFits(int number);
   const Trace& sentTrace(int number);      // captures unless one is held

@@ -8,8 +8,13 @@
 
 namespace simmeter {
 
+void Meter::beginNoise() {
+  if (options_.stillNoise) noise_ = Noise(options_.seed);
+}
+
 void Meter::capture(int number) {
   Channel& one = channel(number);
+  beginNoise();
   one.sampler.capture(settings_, number, noise_, one.trace);
   one.trace.number = ++traces_;
   if (options_.numberTraces) {
@@ -65,7 +70,9 @@ void Meter::prepareCcdf(int number) {
 
 void Meter::accumulate(int number) {
   prepareCcdf(number);
-  if (settings_.isOn(SettingId::kStatistics, number)) channel(number).ccdf.addBlock(noise_);
+  if (!settings_.isOn(SettingId::kStatistics, number)) return;
+  beginNoise();
+  channel(number).ccdf.addBlock(noise_);
 }
 
 // The rows' procedures. A friend of the meter, so that the table can stay a plain table.

@@ -40,6 +40,12 @@ bool setSeed(Scenario& scenario, std::string_view text) {
                   [&](std::int64_t n) { scenario.meter.seed = static_cast<std::uint32_t>(n); });
 }
 
+bool setNoise(Scenario& scenario, std::string_view text) {
+  if (text != "moving" && text != "still") return false;
+  scenario.meter.stillNoise = text == "still";
+  return true;
+}
+
 bool setAveraging(Scenario& scenario, std::string_view text) {
   if (equalIgnoringCase(text, "off")) {
     scenario.setup.emplace_back("PMAVGS 1&2,OFF");
@@ -94,6 +100,7 @@ constexpr std::array kKeys = {
     Key{"model", setModel},
     Key{"identity", setIdentity},
     Key{"seed", setSeed},
+    Key{"noise", setNoise},
     Key{"averaging", setAveraging},
     Key{"envelope", setEnvelope},
     Key{"number-traces", setNumberTraces},

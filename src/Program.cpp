@@ -10,11 +10,11 @@
 
 namespace pulsemod {
 
-int runProgram(QApplication& application) {
+int runProgram(QApplication& application, Clock* clock) {
   // Dialogs come and go before the first main window, and none of them may end the program.
   application.setQuitOnLastWindowClosed(false);
   Windows windows(portDeviceText);
-  const Host host(windows.pleaseWait());
+  const Host host(windows.pleaseWait(), clock);
   const ServicesGuard guard(host.services());
   StartUp(windows);
   return QApplication::exec();

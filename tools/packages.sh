@@ -1,12 +1,15 @@
-# Sourced by ./run and ./test: installs the Debian packages that are missing.
+# Sourced by ./run, ./test and bench/compare: installs the Debian packages that are missing.
 
 # What the program and the simulated meter are built from.
-build_packages=(g++ cmake ninja-build qt6-base-dev qt6-serialport-dev fonts-dejavu-core)
+build_packages=(g++ cmake ninja-build qt6-base-dev qt6-serialport-dev qt6-svg-dev fonts-dejavu-core)
 # A virtual screen for a machine without a display.
 screen_packages=(xvfb xauth)
 # What the tests and the static checks need besides.
-test_packages=(libgtest-dev clang-format clang-tidy git locales python3
-  g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64)
+test_packages=(clang libclang-rt-14-dev libgtest-dev clang-format clang-tidy git locales poppler-utils python3
+  g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64
+  appstream at-spi2-core dbus-daemon desktop-file-utils dpkg-dev librsvg2-bin man-db mandoc x11-utils)
+# What bench/compare measures beside the program; nothing else uses them.
+compare_packages=(libqcustomplot-dev libqcustomplot2.1-qt6 python3-pyqt6 python3-pyqtgraph pulseview)
 
 is_installed() {
   [[ $(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null) == installed ]]

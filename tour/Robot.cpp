@@ -35,9 +35,11 @@ const Robot::Verb* Robot::findVerb(const std::string& name) {
       Verb{"close-menu", 0, closeMenu},
       Verb{"type", 2, type},
       Verb{"key", 2, key},
+      Verb{"activate", 1, activate},
       Verb{"close", 1, close},
       Verb{"resize", 3, resize},
       Verb{"grab", 2, grab},
+      Verb{"grab-when", 5, grabWhen},
       Verb{"picture", 2, picture},
   };
   for (const Verb& verb : verbs) {
@@ -249,6 +251,21 @@ Robot::Outcome Robot::key(Fields& request) {
           }};
 }
 
+Robot::Outcome Robot::activate(Fields& request) {
+  const QPointer<QWidget> window = findWidget(argument(request, 1));
+  if (!window || !window->isVisible()) {
+    return {Outcome::Kind::later, request[1] + " is not visible", {}};
+  }
+  if (window->isActiveWindow()) return {Outcome::Kind::done, {}, {}};
+  const std::string why = request[1] + " does not become active";
+  // The window system is asked once and answers later.
+  if (request.size() > 2) return {Outcome::Kind::later, why, {}};
+  request.emplace_back("asked");
+  return {Outcome::Kind::later, why, [window] {
+            if (window) window->activateWindow();
+          }};
+}
+
 Robot::Outcome Robot::close(Fields& request) {
   const QPointer<QWidget> window = findWidget(argument(request, 1));
   if (!window || !window->isVisible() || window->windowHandle() == nullptr) {
@@ -282,6 +299,13 @@ Robot::Outcome Robot::grab(Fields& request) {
   }
   if (grabWidget(widget, argument(request, 2))) return {Outcome::Kind::done, {}, {}};
   return {Outcome::Kind::refused, "cannot write " + request[2], {}};
+}
+
+Robot::Outcome Robot::grabWhen(Fields& request) {
+  Outcome outcome = until(request);
+  if (outcome.kind != Outcome::Kind::done) return outcome;
+  Fields what{"grab", request[4], request[5]};
+  return grab(what);
 }
 
 Robot::Outcome Robot::picture(Fields& request) {

@@ -48,9 +48,11 @@ class Robot : public QObject {
   static Outcome closeMenu(Fields& request);
   static Outcome type(Fields& request);
   static Outcome key(Fields& request);
+  static Outcome activate(Fields& request);
   static Outcome close(Fields& request);
   static Outcome resize(Fields& request);
   static Outcome grab(Fields& request);
+  static Outcome grabWhen(Fields& request);
   static Outcome picture(Fields& request);
   static Outcome menuStep(Fields& request, bool choose);
 

@@ -122,6 +122,8 @@ void RobotClient::chooseFile(const std::string& dialog, const std::string& path)
   }
 }
 
+void RobotClient::activate(const std::string& window) { ask({"activate", window}); }
+
 void RobotClient::close(const std::string& window) { ask({"close", window}); }
 
 void RobotClient::resize(const std::string& window, int width, int height) {
@@ -130,6 +132,12 @@ void RobotClient::resize(const std::string& window, int width, int height) {
 
 void RobotClient::grab(const std::string& name, const std::string& file) {
   ask({"grab", name, file});
+}
+
+void RobotClient::grabWhen(const std::string& name, const std::string& file,
+                           const std::string& control, const std::string& property,
+                           const std::string& value) {
+  ask({"grab-when", control, property, value, name, file});
 }
 
 void RobotClient::picture(const std::string& file, const std::string& name) {

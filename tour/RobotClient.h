@@ -70,12 +70,17 @@ class RobotClient {
   void key(const std::string& window, const std::string& keys);
   /// Types the path into a file dialog and accepts it; returns when the dialog is gone.
   void chooseFile(const std::string& dialog, const std::string& path);
+  /// Brings a window to the front, as a window manager would, and waits until it is the active one.
+  void activate(const std::string& window);
   /// The window's close button.
   void close(const std::string& window);
   void resize(const std::string& window, int width, int height);
 
   /// One control or window as PNG or PPM, by the file's suffix.
   void grab(const std::string& name, const std::string& file);
+  /// The same at the first moment at which another control's property has that value.
+  void grabWhen(const std::string& name, const std::string& file, const std::string& control,
+                const std::string& property, const std::string& value);
   /// All visible windows where they stand on the screen. With a name, at the first moment at which
   /// that control is visible.
   void picture(const std::string& file, const std::string& name = {});

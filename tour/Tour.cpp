@@ -1,8 +1,9 @@
 #include "Tour.h"
 
 #include <filesystem>
-#include <sstream>
 #include <utility>
+
+#include "GraphHand.h"
 
 namespace tour {
 
@@ -93,13 +94,7 @@ void Tour::awaitRate() {
 
 void Tour::moveOnGraph(const std::string& step, double share) {
   const std::string graph = in(window_ == "frmMain" ? "GraphPic" : "CCDFGraphPic");
-  std::istringstream place(hands_.get(graph, "place"));
-  int x = 0;
-  int y = 0;
-  int width = 0;
-  int height = 0;
-  place >> x >> y >> width >> height;
-  hands_.mouse(step, graph, static_cast<int>(share * width), height / 2);
+  tour::moveOnGraph(hands_, graph, step, share);
 }
 
 /// Gate 1 begins and ends at these shares of the graph: 0.05 and 0.55 ms, of 2 ms from -0.2 ms on.

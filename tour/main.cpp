@@ -1,6 +1,9 @@
 #include <sys/socket.h>
 
 #include <QApplication>
+#include <QCursor>
+#include <QFont>
+#include <QScreen>
 #include <array>
 #include <chrono>
 #include <cstdlib>
@@ -10,10 +13,12 @@
 #include <thread>
 #include <vector>
 
+#include "GuidePictures.h"
 #include "Program.h"
 #include "Robot.h"
 #include "RobotClient.h"
 #include "Tour.h"
+#include "TourClock.h"
 
 namespace {
 
@@ -26,6 +31,7 @@ namespace {
 struct Order {
   tour::MeterLink link = tour::MeterLink::gpib;
   bool throughCCDF = false;
+  bool forGuide = false;
   std::string folder;
 };
 
@@ -35,6 +41,8 @@ bool readOrder(const std::vector<std::string>& arguments, Order& order) {
   for (const std::string& argument : arguments) {
     if (argument == "--ccdf") {
       order.throughCCDF = true;
+    } else if (argument == "--guide") {
+      order.forGuide = true;
     } else if (argument == "--gpib" || argument == "--serial") {
       order.link = argument == "--gpib" ? tour::MeterLink::gpib : tour::MeterLink::serial;
       linkIsNamed = true;
@@ -44,21 +52,39 @@ bool readOrder(const std::vector<std::string>& arguments, Order& order) {
       return false;
     }
   }
-  return linkIsNamed && !order.folder.empty();
+  const bool linkIsRight = !order.forGuide || order.link == tour::MeterLink::gpib;
+  return linkIsNamed && linkIsRight && !order.folder.empty();
+}
+
+void takeTour(robot::RobotClient& hands, const Order& order) {
+  tour::Tour tour(hands, order.link, order.folder);
+  if (order.throughCCDF) {
+    tour.walkCCDF();
+  } else {
+    tour.walk();
+  }
+  std::cout << tour.pictures() << " pictures in " << order.folder << std::endl;
+  tour.leave();
+}
+
+void takeGuidePictures(robot::RobotClient& hands, const Order& order) {
+  tour::GuidePictures pictures(hands, order.folder);
+  if (order.throughCCDF) {
+    pictures.ofCCDF();
+  } else {
+    pictures.ofProfile();
+  }
 }
 
 /// The script, in a thread of its own: it may simply wait, whatever event loop the program is in.
 void goRound(int socket, const Order& order) {
   try {
     robot::RobotClient hands(socket);
-    tour::Tour tour(hands, order.link, order.folder);
-    if (order.throughCCDF) {
-      tour.walkCCDF();
+    if (order.forGuide) {
+      takeGuidePictures(hands, order);
     } else {
-      tour.walk();
+      takeTour(hands, order);
     }
-    std::cout << tour.pictures() << " pictures in " << order.folder << std::endl;
-    tour.leave();
     // The end of the program ends this thread too.
     std::this_thread::sleep_for(std::chrono::minutes(1));
     giveUp("the program goes on after its window was closed");
@@ -67,15 +93,30 @@ void goRound(int socket, const Order& order) {
   }
 }
 
+/// Nothing on the screen depends on the desktop, blinks, moves or is under the pointer.
+void keepStill() {
+  QApplication::setStyle(QStringLiteral("Fusion"));
+  QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 9));
+  QApplication::setCursorFlashTime(0);
+  for (const Qt::UIEffect effect :
+       {Qt::UI_General, Qt::UI_AnimateMenu, Qt::UI_FadeMenu, Qt::UI_AnimateCombo,
+        Qt::UI_AnimateTooltip, Qt::UI_FadeTooltip}) {
+    QApplication::setEffectEnabled(effect, false);
+  }
+  QCursor::setPos(QApplication::primaryScreen()->geometry().bottomRight());
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   Order order;
   if (!readOrder({argv + 1, argv + argc}, order)) {
     std::cerr << "usage: tour --gpib|--serial [--ccdf] FOLDER\n"
+                 "       tour --gpib --guide [--ccdf] FOLDER\n"
                  "Walks through the program with the meter that is there, and leaves numbered\n"
                  "pictures of what it shows in FOLDER: the pulse profile, or with --ccdf the CCDF\n"
-                 "mode. A program without stored settings is told to use the link that is named.\n";
+                 "mode. A program without stored settings is told to use the link that is named.\n"
+                 "With --guide: the pictures of the user guide, under their names there.\n";
     return 2;
   }
   std::error_code error;
@@ -95,5 +136,8 @@ int main(int argc, char** argv) {
   }
   const robot::Robot robot(sockets[0]);
   std::thread(goRound, sockets[1], order).detach();
-  return pulsemod::runProgram(application);
+  if (!order.forGuide) return pulsemod::runProgram(application);
+  keepStill();
+  static tour::TourClock clock;
+  return pulsemod::runProgram(application, &clock);
 }

@@ -10,6 +10,7 @@
 #include "ccdf/PowerAxis.h"
 #include "link/Completion.h"
 #include "link/ConfigProgress.h"
+#include "link/ExchangeCount.h"
 #include "link/MeterLink.h"
 #include "link/ReplyText.h"
 #include "profile/MeasurementSettings.h"
@@ -31,10 +32,7 @@ void readCursorState() {
   CCDF.CursorPercent = 0;
 }
 
-}  // namespace
-
-void ConfigureCCDF() {
-  const ConfigProgress progress("Configuring...CCDFsetting");
+void configure(const ConfigProgress& progress) {
   const std::string channel = ChannelText();
   SendCommand("PPACQS " + channel + ",ON");
   SendCommand("PPFUNC " + channel + ",STATS");
@@ -46,6 +44,14 @@ void ConfigureCCDF() {
   SendParameter(scaleParameter, Settings.ScalePerDivision);
   progress.step("Waiting for response...");
   CheckCompleted();
+}
+
+}  // namespace
+
+void ConfigureCCDF() {
+  ConfigProgress progress("Configuring...CCDFsetting");
+  progress.expect(countExchanges([&progress] { configure(progress); }));
+  configure(progress);
 }
 
 void ReadCCDFSettings() {

@@ -67,11 +67,14 @@ void setSizingPointer(bool sizing) {
 
 void dragCursor(double x) {
   constexpr float thousandth = 1000;
+  // From here on a single has no decimals, and a thousand times as much need not be one.
+  constexpr float wholeFrom = 8388608;
   const float power = XToPower(x);
   const bool inside = power > CCDF.StartPower && power < CCDF.StopPower;
   if (!inside || !cursorIsOn() || CCDFMouse.SizingPointer == False16) return;
   CCDF.CursorX = static_cast<float>(x);
-  CCDF.CursorPower = std::round(power * thousandth) / thousandth;
+  CCDF.CursorPower =
+      std::fabs(power) < wholeFrom ? std::round(power * thousandth) / thousandth : power;
   ++CCDFMouse.CursorEdits;
   UpdateCursorLabels();
 }
@@ -202,6 +205,18 @@ void CCDFButtonUp() {
   whenLinkIsFree([power = CCDF.CursorPower, edit = CCDFMouse.CursorEdits] {
     if (edit == CCDFMouse.CursorEdits) sendCursorTo(power);
   });
+}
+
+void MoveCursorBy(double points) {
+  if (!cursorIsOn()) return;
+  CCDFButtonDown();
+  setSizingPointer(true);
+  CCDFMouseMove({static_cast<double>(CCDF.CursorX) + points, 0});
+}
+
+void EndCursorMove() {
+  setSizingPointer(false);
+  CCDFButtonUp();
 }
 
 }  // namespace pulsemod

@@ -53,4 +53,10 @@ void CCDFMouseLeave();
 /// is on its position goes to the meter, wherever the press was.
 void CCDFButtonUp();
 
+/// A key goes down or repeats: moves the cursor that is on by so many points as a drag of its line
+/// would. The mouse must not be followed meanwhile.
+void MoveCursorBy(double points);
+/// The key is up: as `CCDFButtonUp`.
+void EndCursorMove();
+
 }  // namespace pulsemod

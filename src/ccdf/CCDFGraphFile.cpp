@@ -81,7 +81,7 @@ std::string ccdfGraphText() {
 
 void SaveCCDFGraph() {
   const std::string path = services().fileDialogs.askSaveFile("Save Curve");
-  if (!path.empty()) writeTextFile(path, ccdfGraphText());
+  if (!path.empty()) writeFile(path, ccdfGraphText());
 }
 
 void OpenCCDFGraph() {

@@ -25,16 +25,23 @@ void acquire() {
     ReadCursor();
     UpdateCursorLabels();
   }
-  if (linkIsLost()) throw Fault(linkFailureReason());
+  if (linkIsLost()) return;
   if (read) {
     if (const auto rate = rateText(start)) ccdfView().showRate(*rate, rateToolTip);
   }
   if (!RefreshCCDFGraph()) StopCCDF();
 }
 
+/// A port that is lost in the middle of a pass stops the acquisition; the conversation's end tells.
+void acquireOrStop() {
+  acquire();
+  if (linkIsLost()) StopCCDF();
+}
+
 void startWhenLinkIsFree(std::uint32_t request) {
   if (request != AcquisitionRequests) return;
   ClearMeter();
+  if (linkIsLost()) return StopCCDF();
   if (request == AcquisitionRequests) SetAcquisitionRunning(true);
 }
 
@@ -48,7 +55,7 @@ void AcquireCCDF() {
   letEventsRun(false);
   if (AcquisitionRunning == False16) return;
   try {
-    converse(acquire);
+    converse(acquireOrStop);
   } catch (const Fault& fault) {
     StopCCDF();
     reportFault(fault.what());
@@ -64,6 +71,7 @@ void CarryOutCCDFRequests() {
 
 void StartCCDF() {
   ccdfView().showAcquisitionStarted();
+  Conversation.lossTold = false;
   whenLinkIsFree([request = ++AcquisitionRequests] { startWhenLinkIsFree(request); });
 }
 

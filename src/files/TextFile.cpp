@@ -14,7 +14,7 @@ std::string readTextFile(const std::string& path) {
   return text;
 }
 
-void writeTextFile(const std::string& path, std::string_view text) {
+void writeFile(const std::string& path, std::string_view text) {
   const std::string failure = services().files.replace(path, text);
   if (!failure.empty()) throw Fault(path + " cannot be written: " + failure);
 }

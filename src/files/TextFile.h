@@ -13,7 +13,7 @@ std::string readTextFile(const std::string& path);
 
 /// Makes `text` the content of the file. A `Fault` that says why it cannot be written, with its
 /// name; the old file is then as it was.
-void writeTextFile(const std::string& path, std::string_view text);
+void writeFile(const std::string& path, std::string_view text);
 
 /// The lines of a text one after the other, with either line end (LF, CR LF) taken off. The last
 /// line needs none. The text must outlive this.

@@ -17,7 +17,8 @@ namespace pulsemod {
 /// by their first use. The application object must live by then.
 class Host {
  public:
-  explicit Host(Progress& progress);
+  /// With a clock of the caller's where one is given.
+  explicit Host(Progress& progress, Clock* clock = nullptr);
   Host(const Host&) = delete;
   Host& operator=(const Host&) = delete;
 

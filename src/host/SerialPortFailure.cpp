@@ -61,7 +61,8 @@ std::string openFailureReason(int portNumber, const std::string& device, PortPro
 
 std::string lossReason(int portNumber, const std::string& device, const std::string& systemText) {
   return "The port " + portText(portNumber, device) +
-         " was lost while it was in use: " + systemText + ".";
+         " was lost while it was in use: " + systemText +
+         ". Plug it in again, then start the program anew.";
 }
 
 }  // namespace pulsemod

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "link/Fault.h"
+#include "link/MeterLink.h"
 
 namespace pulsemod {
 
@@ -30,6 +31,14 @@ void runKeptExchanges() {
   }
 }
 
+/// A box and not a fault: who has spoken brings its windows in line all the same.
+void tellLossOnce() {
+  if (!linkIsLost() || Conversation.lossTold) return;
+  // First, since handlers run while the box is open.
+  Conversation.lossTold = true;
+  reportFault(linkFailureReason());
+}
+
 }  // namespace
 
 void converse(const std::function<void()>& exchange) {
@@ -45,6 +54,7 @@ void converse(const std::function<void()>& exchange) {
     fault = std::current_exception();
   }
   runKeptExchanges();
+  tellLossOnce();
   if (fault) std::rethrow_exception(fault);
 }
 

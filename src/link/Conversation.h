@@ -13,9 +13,13 @@ namespace pulsemod {
 /// `whenLinkIsFree`. The link's operations themselves open nothing and call each other freely.
 ///
 /// When the outermost conversation has ended, the exchanges that were kept meanwhile run in their
-/// order, each as a conversation of its own, before `converse` returns.
+/// order, each as a conversation of its own, before `converse` returns. Then a serial port that was
+/// lost is told to the user, unless that was done already.
 struct ConversationState {
   bool open = false;
+  /// The user knows that the serial port is lost. A start of the acquisition forgets it, so that it
+  /// says why it cannot run.
+  bool lossTold = false;
   /// Exchanges that wait for the end of the open conversation, oldest first.
   std::deque<std::function<void()>> kept;
 };

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "link/ExchangeCount.h"
 #include "link/GpibCalls.h"
 #include "link/NumberText.h"
 #include "platform/Services.h"
@@ -26,6 +27,18 @@ int address() { return LinkSettings.gpibAddress; }
 bool overSerial() { return LinkSettings.commsType == commsTypeRS232; }
 bool overGpib() { return LinkSettings.commsType == commsTypeGPIB; }
 
+/// One exchange with the meter. Those that an exchange needs for itself are part of it.
+template <typename Exchange>
+bool carryOut(const Exchange& exchange) {
+  if (ExchangeCount.onlyCounting) {
+    ++ExchangeCount.counted;
+    return false;
+  }
+  const bool succeeded = exchange();
+  if (ExchangeCount.afterEach) ExchangeCount.afterEach();
+  return succeeded;
+}
+
 /// Reads one chunk of up to 4096 characters and appends it to `reply` without its last character.
 bool receiveChunk(std::string& reply) {
   std::array<char, 4096> buffer{};
@@ -38,8 +51,21 @@ bool receiveChunk(std::string& reply) {
   return true;
 }
 
+bool completedOverGpib(const std::string& command) {
+  Send(gpibBoard, address(), command);
+  if (gpibFailed()) return false;
+  std::array<char, 50> buffer{};
+  Receive(gpibBoard, address(), buffer.data(), buffer.size());
+  if (gpibFailed() || Gpib.longCount <= 1) return false;
+  const auto received = static_cast<std::size_t>(Gpib.longCount);
+  return received <= buffer.size() &&
+         leadingNumber(std::string_view(buffer.data(), received - 1)) == 1;
+}
+
+std::string withCompletionQuery(const std::string& command) { return command + "; *OPC?"; }
+
 /// The meter's error state is cleared so that the next exchange starts clean.
-void clearMeterErrors() { WaitOperationComplete("*CLS"); }
+void clearMeterErrors() { completedOverGpib(withCompletionQuery("*CLS")); }
 
 bool queryOverGpib(const std::string& command, std::string& reply) {
   Send(gpibBoard, address(), command);
@@ -146,17 +172,6 @@ bool queryOverSerial(const std::string& command, std::string& reply) {
   return writeToSerial(command) && ReadSerialReply(reply);
 }
 
-bool completedOverGpib(const std::string& command) {
-  Send(gpibBoard, address(), command);
-  if (gpibFailed()) return false;
-  std::array<char, 50> buffer{};
-  Receive(gpibBoard, address(), buffer.data(), buffer.size());
-  if (gpibFailed() || Gpib.longCount <= 1) return false;
-  const auto received = static_cast<std::size_t>(Gpib.longCount);
-  return received <= buffer.size() &&
-         leadingNumber(std::string_view(buffer.data(), received - 1)) == 1;
-}
-
 }  // namespace
 
 void OpenMeterLink() {
@@ -188,36 +203,43 @@ std::string linkFailureReason() {
 }
 
 bool SendCommand(const std::string& command) {
-  if (overSerial()) {
-    writeToSerial(command);
-    return false;
-  }
-  if (!overGpib()) return false;
-  Send(gpibBoard, address(), command);
-  return !gpibFailed();
+  return carryOut([&command] {
+    if (overSerial()) {
+      writeToSerial(command);
+      return false;
+    }
+    if (!overGpib()) return false;
+    Send(gpibBoard, address(), command);
+    return !gpibFailed();
+  });
 }
 
 bool QueryMeter(const std::string& command, std::string& reply) {
   reply.clear();
-  if (overSerial()) return queryOverSerial(command, reply);
-  return overGpib() && queryOverGpib(command, reply);
+  return carryOut([&] {
+    if (overSerial()) return queryOverSerial(command, reply);
+    return overGpib() && queryOverGpib(command, reply);
+  });
 }
 
 bool QueryMeterWhenReady(const std::string& command, std::string& reply) {
   reply.clear();
-  if (overSerial()) return queryOverSerial(command, reply);
-  return overGpib() && queryOverGpibWhenReady(command, reply);
+  return carryOut([&] {
+    if (overSerial()) return queryOverSerial(command, reply);
+    return overGpib() && queryOverGpibWhenReady(command, reply);
+  });
 }
 
 bool WaitOperationComplete(const std::string& command) {
-  const std::string withQuery = command + "; *OPC?";
-  if (overSerial()) {
-    std::string reply;
-    queryOverSerial(withQuery, reply);
-    // The meter's answer is read and never looked at: no reply counts as complete on this link.
-    return false;
-  }
-  return overGpib() && completedOverGpib(withQuery);
+  return carryOut([withQuery = withCompletionQuery(command)] {
+    if (overSerial()) {
+      std::string reply;
+      queryOverSerial(withQuery, reply);
+      // The meter's answer is read and never looked at: no reply counts as complete on this link.
+      return false;
+    }
+    return overGpib() && completedOverGpib(withQuery);
+  });
 }
 
 void ClearMeter() {

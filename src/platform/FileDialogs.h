@@ -1,10 +1,17 @@
 #pragma once
 
+#include <span>
 #include <string>
 
 namespace pulsemod {
 
-/// The system's file dialogs, for plain text files ("*.txt").
+/// A kind of file that a dialog offers: "PNG picture" with the suffix "png".
+struct FileKind {
+  std::string name;
+  std::string suffix;
+};
+
+/// The system's file dialogs, for plain text files ("*.txt") unless kinds are given.
 class FileDialogs {
  public:
   virtual ~FileDialogs() = default;
@@ -16,6 +23,11 @@ class FileDialogs {
   /// gets
   /// ".txt"; the dialog has asked before an existing file is replaced.
   virtual std::string askSaveFile(const std::string& title) = 0;
+
+  /// The same for a file of one of several kinds, the first of which is offered first. A typed name
+  /// without the suffix of any of them gets that of the kind that the user chose.
+  virtual std::string askSaveFileOfKind(const std::string& title,
+                                        std::span<const FileKind> kinds) = 0;
 };
 
 }  // namespace pulsemod

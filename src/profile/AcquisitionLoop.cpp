@@ -31,8 +31,7 @@ void acquire() {
   const float start = services().clock.secondsSinceMidnight();
   ProfileReadFailed = !ReadProfile();
   CarryOutPendingEdits();
-  if (linkIsLost()) throw Fault(linkFailureReason());
-  if (ProfileReadFailed) return;
+  if (ProfileReadFailed || linkIsLost()) return;
   if (const auto rate = rateText(start)) profileView().showRate(*rate, rateToolTip);
   if (profileView().infoBox() != nullptr) {
     ReadGateMeasurements(presentGateMeasurementMode());
@@ -44,6 +43,12 @@ void acquire() {
   }
   if (!RefreshPicture()) StopAcquisition();
   services().events.processPending();
+}
+
+/// A port that is lost in the middle of a pass stops the acquisition; the conversation's end tells.
+void acquireOrStop() {
+  acquire();
+  if (linkIsLost()) StopAcquisition();
 }
 
 /// The capture time is read twice, before and after the progress text, as the meter's users know
@@ -67,6 +72,7 @@ void startWhenLinkIsFree(std::uint32_t request) {
     StopAcquisition();
     throw;
   }
+  if (linkIsLost()) return StopAcquisition();
   RefreshGraph();
   if (request == AcquisitionRequests) SetAcquisitionRunning(true);
 }
@@ -81,7 +87,7 @@ void AcquireProfile() {
   letEventsRun(ProfileReadFailed);
   if (AcquisitionRunning == False16) return;
   try {
-    converse(acquire);
+    converse(acquireOrStop);
   } catch (const Fault& fault) {
     StopAcquisition();
     reportFault(fault.what());
@@ -90,6 +96,7 @@ void AcquireProfile() {
 
 void StartAcquisition() {
   profileView().showAcquisitionStarted();
+  Conversation.lossTold = false;
   whenLinkIsFree([request = ++AcquisitionRequests] { startWhenLinkIsFree(request); });
 }
 

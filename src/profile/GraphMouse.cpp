@@ -1,6 +1,8 @@
 #include "profile/GraphMouse.h"
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "link/Conversation.h"
 #include "link/Fault.h"
@@ -43,10 +45,10 @@ void moveGrabbedEdge(double x) {
   PositionGateLines();
 }
 
-void showEdgeLabel(PicturePoint pointer, const PictureScale& scale) {
+void showEdgeLabel(const GrabbedEdge& edge, PicturePoint pointer, const PictureScale& scale) {
   ProfileView& view = profileView();
   const bool dragging = GraphMouse.Dragging != False16;
-  view.setEdgeLabelCaption((dragging ? "* " : "") + edgeCaption(GraphMouse.Grabbed));
+  view.setEdgeLabelCaption((dragging ? "* " : "") + edgeCaption(edge));
   view.showEdgeLabel(edgeLabelPlace(pointer, view.edgeLabelSize(), scale));
 }
 
@@ -66,7 +68,75 @@ void followPointer(PicturePoint pointer) {
   // First, so that no edge moves on a graph that cannot be drawn.
   const PictureScale scale = profileGraphScale();
   if (GraphMouse.Dragging != False16) moveGrabbedEdge(pointer.x);
-  showEdgeLabel(pointer, scale);
+  showEdgeLabel(GraphMouse.Grabbed, pointer, scale);
+}
+
+/// A graph that cannot be computed shows no label.
+template <typename Handler>
+void orReportOnce(const Handler& handler) {
+  try {
+    handler();
+  } catch (const Fault& fault) {
+    profileView().hideEdgeLabel();
+    reportGraphFaultOnce(fault);
+  }
+}
+
+/// The edges whose lines are shown, by their times.
+std::vector<GrabbedEdge> shownEdges() {
+  std::vector<GrabbedEdge> edges;
+  if (Settings.GatesVisible == False16) return edges;
+  for (std::size_t index = 0; index < gateCount; ++index) {
+    const GateSettings& gate = Settings.Gates[index];
+    if (gate.Enabled == False16) continue;
+    const auto number = static_cast<std::int16_t>(index + 1);
+    edges.push_back({GateTime::start, number});
+    if (gate.FenceEnabled != False16) {
+      edges.push_back({GateTime::fenceStart, number});
+      edges.push_back({GateTime::fenceStop, number});
+    }
+    edges.push_back({GateTime::stop, number});
+  }
+  std::stable_sort(edges.begin(), edges.end(), [](const GrabbedEdge& one, const GrabbedEdge& next) {
+    return timeOf(one) < timeOf(next);
+  });
+  return edges;
+}
+
+bool chosenEdgeIsShown() {
+  const std::vector<GrabbedEdge> edges = shownEdges();
+  return std::find(edges.begin(), edges.end(), GraphMouse.Chosen) != edges.end();
+}
+
+/// Half way down the chosen edge's line.
+PicturePoint placeOfChosenEdge(const PictureScale& scale) {
+  const float x = TimeToGraphX(timeOf(GraphMouse.Chosen));
+  return {static_cast<double>(x), scale.top + scale.height / 2};
+}
+
+void showChosenEdge() {
+  if (!chosenEdgeIsShown()) return profileView().hideEdgeLabel();
+  orReportOnce([] {
+    const PictureScale scale = profileGraphScale();
+    showEdgeLabel(GraphMouse.Chosen, placeOfChosenEdge(scale), scale);
+  });
+}
+
+/// The end of a press; `endLabel` does to the label what remains to be done.
+void endPress(void (*endLabel)()) {
+  if (GraphMouse.ButtonDown == False16) return;
+  const GrabbedEdge released = GraphMouse.Grabbed;
+  const bool writes = GraphMouse.Dragging != False16 && released.gate != 0 && !followsGateOne();
+  profileView().setSizingPointer(false);
+  GraphMouse.ButtonDown = False16;
+  GraphMouse.Dragging = False16;
+  endLabel();
+  ResumeAcquisition();
+  if (!writes) return;
+  whenLinkIsFree([released] {
+    WriteGateConfig(released.gate, released.edge);
+    profileView().refreshGatePage();
+  });
 }
 
 }  // namespace
@@ -136,12 +206,7 @@ void GraphButtonDown() {
 }
 
 void GraphMouseMove(PicturePoint pointer) {
-  try {
-    followPointer(pointer);
-  } catch (const Fault& fault) {
-    profileView().hideEdgeLabel();
-    reportGraphFaultOnce(fault);
-  }
+  orReportOnce([pointer] { followPointer(pointer); });
 }
 
 void GraphMouseLeave() {
@@ -151,20 +216,45 @@ void GraphMouseLeave() {
 }
 
 void GraphButtonUp() {
-  if (GraphMouse.ButtonDown == False16) return;
-  const GrabbedEdge released = GraphMouse.Grabbed;
-  const bool writes = GraphMouse.Dragging != False16 && released.gate != 0 && !followsGateOne();
-  ProfileView& view = profileView();
-  view.setSizingPointer(false);
-  GraphMouse.ButtonDown = False16;
-  view.hideEdgeLabel();
-  ResumeAcquisition();
-  GraphMouse.Dragging = False16;
-  if (!writes) return;
-  whenLinkIsFree([released] {
-    WriteGateConfig(released.gate, released.edge);
-    profileView().refreshGatePage();
+  endPress([] { profileView().hideEdgeLabel(); });
+}
+
+void ChooseEdge(int step) {
+  if (GraphMouse.ButtonDown != False16) return;
+  const std::vector<GrabbedEdge> edges = shownEdges();
+  if (edges.empty()) return LeaveEdges();
+  const auto count = static_cast<int>(edges.size());
+  const auto chosen = std::find(edges.begin(), edges.end(), GraphMouse.Chosen);
+  const int before =
+      chosen == edges.end() ? (step > 0 ? -1 : 0) : static_cast<int>(chosen - edges.begin());
+  GraphMouse.Chosen = edges[static_cast<std::size_t>((before + step + count) % count)];
+  showChosenEdge();
+}
+
+void MoveChosenEdge(double points) {
+  if (!chosenEdgeIsShown()) return ChooseEdge(1);
+  orReportOnce([points] {
+    const PicturePoint place = placeOfChosenEdge(profileGraphScale());
+    if (GraphMouse.ButtonDown == False16) {
+      GraphMouse.UnderPointer = GraphMouse.Grabbed;
+      GraphMouse.Grabbed = GraphMouse.Chosen;
+      GraphButtonDown();
+    }
+    followPointer({place.x + points, place.y});
   });
+  // At the edge, wherever the limits have left it.
+  showChosenEdge();
+}
+
+void ReleaseChosenEdge() {
+  if (GraphMouse.ButtonDown == False16) return;
+  endPress(showChosenEdge);
+  GraphMouse.Grabbed = GraphMouse.UnderPointer;
+}
+
+void LeaveEdges() {
+  GraphMouse.Chosen = {};
+  profileView().hideEdgeLabel();
 }
 
 }  // namespace pulsemod

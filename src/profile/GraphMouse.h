@@ -6,7 +6,7 @@
 #include "platform/Picture.h"
 #include "profile/MeasurementSettings.h"
 
-/// Gate and fence edges under the mouse. Positions are in the graph's user units
+/// Gate and fence edges under the mouse, or chosen by keys. Positions are in the graph's user units
 /// (profile/GraphScale.h): x counts trace points, y is dBm.
 
 namespace pulsemod {
@@ -25,6 +25,10 @@ struct GraphMouseState {
   Boolean16 Dragging = False16;
   /// As the last hover test left it; a press takes it from there.
   GrabbedEdge Grabbed;
+  /// What the keys move.
+  GrabbedEdge Chosen;
+  /// While a key is down: what was grabbed before.
+  GrabbedEdge UnderPointer;
 };
 extern GraphMouseState GraphMouse;
 
@@ -66,5 +70,19 @@ void GraphMouseLeave();
 /// acquisition come back at once; the grabbed edge is written to the meter as soon as the link is
 /// free.
 void GraphButtonUp();
+
+/// Chooses the next (1) or previous (-1) of the edges whose lines are shown, by their times, round
+/// and round, and shows its label; the first or the last one when none is chosen.
+void ChooseEdge(int step);
+
+/// A key goes down or repeats: moves the chosen edge by so many points as the mouse would, with its
+/// limits and its pause; chooses one when none is chosen. The mouse must not be followed meanwhile.
+void MoveChosenEdge(double points);
+
+/// The key is up: as `GraphButtonUp`, but for the label, which stays.
+void ReleaseChosenEdge();
+
+/// No edge is chosen any more.
+void LeaveEdges();
 
 }  // namespace pulsemod

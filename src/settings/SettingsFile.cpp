@@ -166,7 +166,7 @@ void readSettings(std::string_view text) {
 
 void SaveSettingsFile() {
   const std::string path = services().fileDialogs.askSaveFile("Save Settings");
-  if (!path.empty()) writeTextFile(path, settingsText());
+  if (!path.empty()) writeFile(path, settingsText());
 }
 
 void LoadSettingsFile() {

@@ -1,8 +1,18 @@
 #include "startup/MeterModel.h"
 
+#include "link/ReplyText.h"
+
 namespace pulsemod {
 
 std::int32_t MeterModel = 0;
+std::string MeterIdentity;
+
+std::string shownIdentity(std::string_view identity) {
+  constexpr std::size_t most = 80;
+  std::string shown;
+  for (const char letter : identity) shown += letter >= ' ' && letter <= '~' ? letter : ' ';
+  return std::string(trimmed(std::string_view(shown).substr(0, most)));
+}
 
 std::int32_t modelOfIdentity(std::string_view identity) {
   struct Model {

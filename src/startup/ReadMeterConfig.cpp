@@ -4,6 +4,7 @@
 
 #include "ccdf/StatisticsAcquisition.h"
 #include "link/ConfigProgress.h"
+#include "link/ExchangeCount.h"
 #include "link/MeterLink.h"
 #include "link/NumberText.h"
 #include "link/ReplyText.h"
@@ -105,6 +106,28 @@ void readLevelsAndTimes(const ConfigProgress& progress) {
   ReadParameter(triggerDelayParameter);
 }
 
+ProfileReadout readConfig(const ConfigProgress& progress) {
+  readActiveChannel();
+  SendCommand("CHDISPN 1");
+  progress.step("Going to PulseMod...");
+  SendCommand("CHMODE " + ChannelText() + ",PMOD");
+  SendCommand("PMDTYP " + ChannelText() + ",PRF");
+  readGates(progress);
+  readMarkers(progress);
+  readLevelsAndTimes(progress);
+  readAveraging();
+  return ReadDisplayPoints();
+}
+
+int exchangesOfRead(const ConfigProgress& progress) {
+  // The gates of a repeat are derived while the exchanges are counted, from what is about to
+  // change.
+  const MeasurementSettings before = Settings;
+  const int exchanges = countExchanges([&progress] { readConfig(progress); });
+  Settings = before;
+  return exchanges;
+}
+
 }  // namespace
 
 void ReadGateConfig(int gate) {
@@ -134,16 +157,8 @@ void ReadGateConfig(int gate) {
 void ReadMeterConfig() {
   StopStatisticsAcquisition();
   ConfigProgress progress("Setting Active Channel...");
-  readActiveChannel();
-  SendCommand("CHDISPN 1");
-  progress.step("Going to PulseMod...");
-  SendCommand("CHMODE " + ChannelText() + ",PMOD");
-  SendCommand("PMDTYP " + ChannelText() + ",PRF");
-  readGates(progress);
-  readMarkers(progress);
-  readLevelsAndTimes(progress);
-  readAveraging();
-  if (ReadDisplayPoints() == ProfileReadout::notAProfile) progress.leaveOnScreen();
+  progress.expect(exchangesOfRead(progress));
+  if (readConfig(progress) == ProfileReadout::notAProfile) progress.leaveOnScreen();
 }
 
 }  // namespace pulsemod

@@ -74,6 +74,7 @@ void identifyMeter() {
         "Program Exit", MessageIcon::information);
     EndSession();
   }
+  MeterIdentity = shownIdentity(identity);
 }
 
 /// Brings model and meter together. A meter that falls silent in the middle is waited for until the

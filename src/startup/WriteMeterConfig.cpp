@@ -6,6 +6,7 @@
 #include "ccdf/StatisticsAcquisition.h"
 #include "link/Completion.h"
 #include "link/ConfigProgress.h"
+#include "link/ExchangeCount.h"
 #include "link/MeterLink.h"
 #include "link/NumberText.h"
 #include "profile/ProfileParameters.h"
@@ -64,6 +65,15 @@ void writeMarkers(const ConfigProgress& progress) {
   SendCommand("MKDPOS " + channel + "," + numberText(delta.Position));
 }
 
+void writeConfig(const ConfigProgress& progress) {
+  SelectPulseMode();
+  writePulseMode(progress);
+  writeGates(progress);
+  writeMarkers(progress);
+  progress.step("Waiting for response...");
+  CheckCompleted();
+}
+
 }  // namespace
 
 void WriteGateConfig(int gate, GateTime time) {
@@ -86,13 +96,9 @@ void WriteRepeatConfig() {
 
 void WriteMeterConfig() {
   StopStatisticsAcquisition();
-  const ConfigProgress progress("Configuring...Channel");
-  SelectPulseMode();
-  writePulseMode(progress);
-  writeGates(progress);
-  writeMarkers(progress);
-  progress.step("Waiting for response...");
-  CheckCompleted();
+  ConfigProgress progress("Configuring...Channel");
+  progress.expect(countExchanges([&progress] { writeConfig(progress); }));
+  writeConfig(progress);
 }
 
 }  // namespace pulsemod

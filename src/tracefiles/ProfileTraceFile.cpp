@@ -113,7 +113,7 @@ std::string profileTraceText() {
 
 void SaveProfileTrace() {
   const std::string path = services().fileDialogs.askSaveFile("Save Profile");
-  if (!path.empty()) writeTextFile(path, profileTraceText());
+  if (!path.empty()) writeFile(path, profileTraceText());
 }
 
 void OpenProfileTrace() {

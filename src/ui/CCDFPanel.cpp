@@ -28,7 +28,7 @@ void reserve(QLabel& label, const QString& sample) {
 }  // namespace
 
 CCDFPanel::CCDFPanel(QWidget* parent) : QWidget(parent) {
-  setUpFace(*this);
+  setUpFace(*this, QStringLiteral("CCDF"));
   setUpRule(rule_);
 
   graph_.setObjectName(QStringLiteral("CCDFGraphPic"));
@@ -37,10 +37,16 @@ CCDFPanel::CCDFPanel(QWidget* parent) : QWidget(parent) {
       {[] { reportFaults(CCDFButtonDown); },
        [](PicturePoint pointer) { reportFaults([pointer] { CCDFMouseMove(pointer); }); },
        [] { reportFaults(CCDFButtonUp); }, [] { reportFaults(CCDFMouseLeave); }});
+  graph_.setAccessibleDescription(QStringLiteral("Left and Right move the cursor."));
+  graph_.setKeyHandlers({{},
+                         [](double points) { reportFaults([points] { MoveCursorBy(points); }); },
+                         [] { reportFaults(EndCursorMove); },
+                         {}});
 
   setUpLabel(source_, "lblMeasSource", QStringLiteral("What the CCDF is computed from"));
   setUpRateLabel(rate_, "lblgraphspeed1");
   cursor_.setObjectName(QStringLiteral("FrameCursor"));
+  cursor_.setAccessibleName(QStringLiteral("Cursor"));
   cursor_.setFrameShape(QFrame::Box);
   setUpLabel(cursorPower_, "lblCursorPower", QStringLiteral("The cursor's power"));
   setUpLabel(cursorPercentage_, "lblCursorPercentage",
@@ -91,6 +97,13 @@ void CCDFPanel::showCursor(const QString& power, const QString& percentage, doub
 void CCDFPanel::hideCursor() {
   graph_.placeLines({});
   cursor_.hide();
+}
+
+std::vector<QString> CCDFPanel::decadeTexts() const {
+  std::vector<QString> texts;
+  texts.reserve(decades_.size());
+  for (const QLabel& label : decades_) texts.push_back(label.text());
+  return texts;
 }
 
 CCDFPartSizes CCDFPanel::partSizes() const {

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QWidget>
 #include <array>
+#include <vector>
 
 #include "ui/CCDFLayout.h"
 #include "ui/GraphWidget.h"
@@ -19,6 +20,7 @@ class CCDFPanel : public QWidget {
   explicit CCDFPanel(QWidget* parent = nullptr);
 
   Picture& graph() { return graph_.picture(); }
+  const GraphWidget& graphWidget() const { return graph_; }
   void setStartPower(const QString& caption) { setCaption(startPower_, caption); }
   void setStopPower(const QString& caption) { setCaption(stopPower_, caption); }
   void setSource(const QString& caption) { setCaption(source_, caption); }
@@ -26,6 +28,13 @@ class CCDFPanel : public QWidget {
   void showCursor(const QString& power, const QString& percentage, double x);
   void hideCursor();
   bool cursorFrameIsShown() const { return !cursor_.isHidden(); }
+  QString source() const { return source_.text(); }
+  QString startPower() const { return startPower_.text(); }
+  QString stopPower() const { return stopPower_.text(); }
+  QString cursorPower() const { return cursorPower_.text(); }
+  QString cursorPercentage() const { return cursorPercentage_.text(); }
+  /// From 100 % down.
+  std::vector<QString> decadeTexts() const;
   void setSizingPointer(bool sizing) { graph_.setSizingPointer(sizing); }
 
   /// The smallest area that holds the usual captions.

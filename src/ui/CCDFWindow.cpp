@@ -12,8 +12,11 @@
 #include "ccdf/MeasurementSource.h"
 #include "link/Fault.h"
 #include "link/Session.h"
+#include "ui/CCDFSheet.h"
 #include "ui/FileDrop.h"
+#include "ui/HelpMenu.h"
 #include "ui/Menus.h"
+#include "ui/PictureItems.h"
 
 namespace pulsemod {
 
@@ -34,6 +37,7 @@ CCDFWindow::CCDFWindow() : panel_(new CCDFPanel(this)) {
   buildCCDFMenu();
   buildCursorMenu();
   buildSourceMenu();
+  addHelpMenu(this);
   new FileDrop(this, OpenCCDFGraphFile);
   setAcquisitionMenus(false);
   CCDFWindow::setCursorMenus(false);
@@ -50,6 +54,9 @@ void CCDFWindow::buildFileMenu() {
                                 QStringLiteral("Save the live curve"), QKeySequence::Save);
   connectItem(open, OpenCCDFGraph);
   connectItem(save, SaveCCDFGraph);
+  menu->addSeparator();
+  addPictureItems(menu, this,
+                  {[this] { return ccdfSheet(*panel_); }, ccdfGraphText, QStringLiteral("curve")});
 }
 
 void CCDFWindow::buildCCDFMenu() {

@@ -70,6 +70,7 @@ double DrawingRecorder::textHeight() const {
 void DrawingRecorder::endBackground() { recording_.backgroundSteps = recording_.steps.size(); }
 
 void DrawingRecorder::show() {
+  recording_.textHeightShare = textHeightShare_();
   std::swap(recording_, shown_);
   recording_.clear();
   recording_.scale = shown_.scale;

@@ -27,6 +27,9 @@ struct Drawing {
   std::vector<DrawingStep> steps;
   std::vector<PicturePoint> points;
   std::vector<std::string> texts;
+  /// The height of a line of text as a share of the picture's height, as the one who drew it found
+  /// it: a text may hang so far below what it is about.
+  double textHeightShare = 0;
   /// The first `backgroundSteps` steps are the background.
   std::size_t backgroundSteps = 0;
 

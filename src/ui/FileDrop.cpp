@@ -18,15 +18,20 @@ FileDrop::FileDrop(QWidget* window, std::function<void(const std::string& path)>
   window->installEventFilter(this);
 }
 
-QString FileDrop::fileIn(const QMimeData* data) const {
+bool FileDrop::isBlocked() const {
   const QWidget* modal = QApplication::activeModalWidget();
-  if (modal != nullptr && modal != window_) return {};
+  return modal != nullptr && modal != window_;
+}
+
+QString FileDrop::fileIn(const QMimeData* data) const {
+  if (isBlocked()) return {};
   const QList<QUrl> files = data->urls();
   return files.size() == 1 ? files.constFirst().toLocalFile() : QString();
 }
 
 bool FileDrop::eventFilter(QObject* /*watched*/, QEvent* event) {
   const QEvent::Type type = event->type();
+  if (type == QEvent::WindowUnblocked && !dropped_.empty()) openLater();
   if (type != QEvent::DragEnter && type != QEvent::DragMove && type != QEvent::Drop) return false;
   auto* const drop = static_cast<QDropEvent*>(event);
   const QString file = fileIn(drop->mimeData());
@@ -37,11 +42,21 @@ bool FileDrop::eventFilter(QObject* /*watched*/, QEvent* event) {
   drop->setDropAction(Qt::CopyAction);
   drop->accept();
   if (type == QEvent::Drop) {
-    QTimer::singleShot(0, window_, [open = open_, path = file.toStdString()] {
-      reportFaults([&open, &path] { open(path); });
-    });
+    dropped_.push_back(file.toStdString());
+    openLater();
   }
   return true;
+}
+
+void FileDrop::openLater() { QTimer::singleShot(0, this, &FileDrop::openDropped); }
+
+void FileDrop::openDropped() {
+  // A box of an exchange that was going on may have come up meanwhile.
+  while (!dropped_.empty() && !isBlocked()) {
+    const std::string path = std::move(dropped_.front());
+    dropped_.pop_front();
+    reportFaults([this, &path] { open_(path); });
+  }
 }
 
 }  // namespace pulsemod

@@ -12,7 +12,9 @@
 
 namespace pulsemod {
 
-void setUpFace(QWidget& panel) {
+void setUpFace(QWidget& panel, const QString& meaning) {
+  // It has the focus at the start.
+  panel.setAccessibleName(meaning);
   QPalette colours = panel.palette();
   colours.setColor(QPalette::Window, look::surround);
   colours.setColor(QPalette::WindowText, look::label);

@@ -14,8 +14,9 @@ class ParameterLabel;
 
 /// What the faces of both graph windows have in common.
 
-/// The dark ground and the text colour of labels on it. The panel has the focus at the start.
-void setUpFace(QWidget& panel);
+/// The dark ground and the text colour of labels on it. The panel has the focus at the start, and
+/// `meaning` is spoken then.
+void setUpFace(QWidget& panel, const QString& meaning);
 /// `menuLine`, the line under the menu bar. Its parent has a face already.
 void setUpRule(QWidget& rule);
 /// An accessible name would hide the label's text.

@@ -1,8 +1,11 @@
 #include "ui/GraphWidget.h"
 
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QEvent>
+#include <QFocusEvent>
 #include <QFontMetrics>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTimer>
@@ -16,9 +19,6 @@ namespace pulsemod {
 
 namespace {
 
-/// The rasteriser's own limit is 32767 device pixels; lines stay well below it.
-constexpr double farthestPixel = 16000;
-
 /// No screen shows more than 60 pictures a second.
 constexpr int paintIntervalMs = 16;
 
@@ -27,39 +27,17 @@ bool losesMouse(QEvent::Type type) {
   return type == QEvent::WindowDeactivate || type == QEvent::WindowBlocked || type == QEvent::Hide;
 }
 
-QColor toQt(Colour colour) { return QColor(colour.red, colour.green, colour.blue); }
-
-/// Cosmetic: in device pixels, whatever the transformation.
-QPen linePen(const QColor& colour, int width) {
-  QPen pen(colour);
-  pen.setWidth(width);
-  pen.setCosmetic(true);
-  return pen;
-}
-
-int toPixel(double value) {
-  return static_cast<int>(std::lround(std::clamp(value, -farthestPixel, farthestPixel)));
+/// Tools for the disabled pass a widget of no kind by.
+QAccessibleInterface* accessibleGraph(const QString& /*className*/, QObject* object) {
+  auto* graph = dynamic_cast<GraphWidget*>(object);
+  return graph == nullptr ? nullptr : new QAccessibleWidget(graph, QAccessible::Chart);
 }
 
 }  // namespace
 
-DeviceScale::DeviceScale(const PictureScale& scale, int width, int height)
-    : xFactor_(width / scale.width),
-      xOffset_(-scale.left * xFactor_),
-      yFactor_(height / scale.height),
-      yOffset_(-scale.top * yFactor_) {}
-
-bool DeviceScale::map(const PicturePoint& point, QPoint& pixel) const {
-  const double x = point.x * xFactor_ + xOffset_;
-  const double y = point.y * yFactor_ + yOffset_;
-  // A scale without width or height ends here as well.
-  if (std::isnan(x) || std::isnan(y)) return false;
-  pixel = {toPixel(x), toPixel(y)};
-  return true;
-}
-
 GraphWidget::GraphWidget(QWidget* parent)
     : QWidget(parent), recorder_([this] { return textHeightShare(); }, [this] { paintInTime(); }) {
+  QAccessible::installFactory(accessibleGraph);
   setAttribute(Qt::WA_OpaquePaintEvent);
   paintTimer_.setSingleShot(true);
   paintTimer_.setTimerType(Qt::PreciseTimer);
@@ -67,10 +45,12 @@ GraphWidget::GraphWidget(QWidget* parent)
 }
 
 void GraphWidget::paintInTime() {
-  if (!sincePaint_.isValid() || sincePaint_.hasExpired(paintIntervalMs)) {
+  // Read once: it runs on, and a timer takes no negative time.
+  const qint64 elapsed = sincePaint_.isValid() ? sincePaint_.elapsed() : paintIntervalMs;
+  if (elapsed >= paintIntervalMs) {
     update();
   } else if (!paintTimer_.isActive()) {
-    paintTimer_.start(static_cast<int>(paintIntervalMs - sincePaint_.elapsed()));
+    paintTimer_.start(static_cast<int>(paintIntervalMs - elapsed));
   }
 }
 
@@ -95,6 +75,12 @@ void GraphWidget::setMouseHandlers(GraphMouseHandlers handlers) {
   setMouseTracking(true);
 }
 
+void GraphWidget::setKeyHandlers(GraphKeyHandlers handlers) {
+  keys_ = std::move(handlers);
+  // A click leaves the focus where it is.
+  setFocusPolicy(Qt::TabFocus);
+}
+
 PicturePoint GraphWidget::userPoint(const QPointF& pixel) const {
   const PictureScale& scale = recorder_.shown().scale;
   return {scale.left + pixel.x() / std::max(1, width()) * scale.width,
@@ -114,7 +100,8 @@ PictureSize GraphWidget::userSize(const QSize& pixels) const {
 }
 
 bool GraphWidget::event(QEvent* event) {
-  if (pressed_ && losesMouse(event->type())) endPressLater();
+  const bool isHeld = pressed_ || heldKey_ != 0;
+  if (isHeld && losesMouse(event->type())) endPressLater();
   return QWidget::event(event);
 }
 
@@ -143,12 +130,12 @@ void GraphWidget::mousePressEvent(QMouseEvent* event) {
 
 void GraphWidget::mouseMoveEvent(QMouseEvent* event) {
   // Here as well.
-  if (!event->buttons().testFlag(Qt::LeftButton)) endPress();
-  if (mouse_.move) mouse_.move(userPoint(event->position()));
+  if (!event->buttons().testFlag(Qt::LeftButton)) endMousePress();
+  if (mouse_.move && heldKey_ == 0) mouse_.move(userPoint(event->position()));
 }
 
 void GraphWidget::mouseReleaseEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton) endPress();
+  if (event->button() == Qt::LeftButton) endMousePress();
 }
 
 void GraphWidget::leaveEvent(QEvent* event) {
@@ -156,7 +143,79 @@ void GraphWidget::leaveEvent(QEvent* event) {
   if (mouse_.leave) mouse_.leave();
 }
 
+void GraphWidget::keyPressEvent(QKeyEvent* event) {
+  if (!keys_.move || !followKey(*event)) QWidget::keyPressEvent(event);
+}
+
+bool GraphWidget::followKey(const QKeyEvent& event) {
+  switch (event.key()) {
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+      moveByKey(event);
+      return true;
+    case Qt::Key_Up:
+    case Qt::Key_PageUp:
+    case Qt::Key_Down:
+    case Qt::Key_PageDown: {
+      if (!keys_.choose) return false;
+      endKeyPress();
+      const bool back = event.key() == Qt::Key_Up || event.key() == Qt::Key_PageUp;
+      keys_.choose(back ? -1 : 1);
+      return true;
+    }
+    case Qt::Key_Escape:
+      endKeyPress();
+      if (keys_.leave) keys_.leave();
+      return true;
+    default:
+      return false;
+  }
+}
+
+void GraphWidget::moveByKey(const QKeyEvent& event) {
+  constexpr int manyPixels = 10;
+  const bool far = (event.modifiers() & (Qt::ShiftModifier | Qt::ControlModifier)) != 0;
+  const double distance = userSize({far ? manyPixels : 1, 0}).width;
+  // The mouse holds something.
+  if (pressed_) return;
+  heldKey_ = event.key();
+  keys_.move(event.key() == Qt::Key_Left ? -distance : distance);
+}
+
+void GraphWidget::keyReleaseEvent(QKeyEvent* event) {
+  // A key that is held down is let go of and pressed again and again.
+  if (event->key() != heldKey_ || event->isAutoRepeat()) {
+    QWidget::keyReleaseEvent(event);
+    return;
+  }
+  endKeyPress();
+}
+
+void GraphWidget::focusInEvent(QFocusEvent* event) {
+  QWidget::focusInEvent(event);
+  update();
+}
+
+void GraphWidget::focusOutEvent(QFocusEvent* event) {
+  QWidget::focusOutEvent(event);
+  update();
+  if (heldKey_ != 0) endPressLater();
+  const Qt::FocusReason reason = event->reason();
+  const bool comesBack = reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason ||
+                         reason == Qt::MenuBarFocusReason;
+  if (!comesBack && keys_.leave) keys_.leave();
+}
+
 void GraphWidget::endPress() {
+  endKeyPress();
+  endMousePress();
+}
+
+void GraphWidget::endKeyPress() {
+  if (std::exchange(heldKey_, 0) != 0) keys_.release();
+}
+
+void GraphWidget::endMousePress() {
   if (!std::exchange(pressed_, false)) return;
   qApp->removeEventFilter(this);
   mouse_.release();
@@ -165,7 +224,7 @@ void GraphWidget::endPress() {
 void GraphWidget::changeEvent(QEvent* event) {
   if (event->type() == QEvent::FontChange) {
     backgroundIsStale_ = true;
-    preparedTexts_.clear();
+    painting_.forgetTexts();
     update();
   }
   QWidget::changeEvent(event);
@@ -178,21 +237,25 @@ double GraphWidget::textHeightShare() const {
 void GraphWidget::paintEvent(QPaintEvent* /*event*/) {
   sincePaint_.start();
   paintTimer_.stop();
-  ratio_ = devicePixelRatioF();
-  penWidth_ = std::max(1, static_cast<int>(std::lround(ratio_)));
-  const QSize deviceSize(static_cast<int>(std::ceil(width() * ratio_)),
-                         static_cast<int>(std::ceil(height() * ratio_)));
+  const double ratio = devicePixelRatioF();
+  const QSize deviceSize(static_cast<int>(std::ceil(width() * ratio)),
+                         static_cast<int>(std::ceil(height() * ratio)));
+  painting_.setArea({deviceSize, ratio, Surface::screen});
   prepareBackground(deviceSize);
 
   const Drawing& drawing = recorder_.shown();
-  const DeviceScale scale(drawing.scale, deviceSize.width(), deviceSize.height());
   QPainter painter(this);
   // At a broken ratio the widget may begin and end between two device pixels.
-  if (penWidth_ != ratio_) painter.fillRect(rect(), look::graphBackground);
-  painter.scale(1 / ratio_, 1 / ratio_);
+  if (std::floor(ratio) != ratio) painter.fillRect(rect(), look::graphBackground);
+  painter.scale(1 / ratio, 1 / ratio);
   painter.drawPixmap(0, 0, background_);
-  paintSteps(painter, scale, drawing.backgroundSteps, drawing.steps.size());
-  paintLines(painter, scale, deviceSize);
+  painting_.paintSteps(painter, drawing, drawing.backgroundSteps, drawing.steps.size());
+  painting_.paintLines(painter, drawing.scale, lines_);
+  if (hasFocus()) {
+    painter.resetTransform();
+    painter.setPen(QPen(look::focusFrame, 2, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    painter.drawRect(rect().adjusted(1, 1, -1, -1));
+  }
 }
 
 void GraphWidget::prepareBackground(const QSize& deviceSize) {
@@ -205,103 +268,9 @@ void GraphWidget::prepareBackground(const QSize& deviceSize) {
   background_.fill(look::graphBackground);
   QPainter painter(&background_);
   painter.setFont(font());
-  paintSteps(painter, DeviceScale(drawing.scale, deviceSize.width(), deviceSize.height()), 0,
-             drawing.backgroundSteps);
+  painting_.paintSteps(painter, drawing, 0, drawing.backgroundSteps);
   backgroundDrawing_ = drawing;
   backgroundIsStale_ = false;
-}
-
-void GraphWidget::paintSteps(QPainter& painter, const DeviceScale& scale, std::size_t first,
-                             std::size_t last) {
-  const std::vector<DrawingStep>& steps = recorder_.shown().steps;
-  for (std::size_t index = first; index < last; ++index) {
-    if (steps[index].kind == DrawingStep::Kind::text) {
-      paintText(painter, scale, steps[index]);
-    } else {
-      paintPolyline(painter, scale, steps[index]);
-    }
-  }
-}
-
-void GraphWidget::paintPolyline(QPainter& painter, const DeviceScale& scale,
-                                const DrawingStep& step) {
-  const PicturePoint* point = recorder_.shown().points.data() + step.firstPoint;
-  run_.clear();
-  for (std::size_t index = 0; index < step.pointCount; ++index) {
-    QPoint pixel;
-    if (scale.map(point[index], pixel)) {
-      run_.push_back(pixel);
-    } else {
-      // No line leads to or from a value that is no number.
-      paintRun(painter, step.colour);
-      run_.clear();
-    }
-  }
-  paintRun(painter, step.colour);
-}
-
-void GraphWidget::paintRun(QPainter& painter, Colour colour) {
-  if (run_.empty()) return;
-  if (run_.size() == 1) {
-    painter.fillRect(QRect(run_.front(), QSize(penWidth_, penWidth_)), toQt(colour));
-    return;
-  }
-  painter.setPen(linePen(toQt(colour), penWidth_));
-  if (penWidth_ == 1) {
-    painter.drawPolyline(run_.data(), static_cast<int>(run_.size()));
-    return;
-  }
-  // A wide polyline is stroked as one outline, which takes three times as long as its segments.
-  segments_.clear();
-  const QPoint penCentre(penWidth_ / 2, penWidth_ / 2);
-  for (std::size_t index = 1; index < run_.size(); ++index) {
-    segments_.emplace_back(run_[index - 1] + penCentre, run_[index] + penCentre);
-  }
-  painter.drawLines(segments_.data(), static_cast<int>(segments_.size()));
-}
-
-void GraphWidget::paintText(QPainter& painter, const DeviceScale& scale, const DrawingStep& step) {
-  const Drawing& drawing = recorder_.shown();
-  QPoint pixel;
-  if (!scale.map(drawing.points[step.firstPoint], pixel)) return;
-  if (preparedTexts_.size() <= step.text) preparedTexts_.resize(step.text + 1);
-  PreparedText& prepared = preparedTexts_[step.text];
-  if (prepared.source != drawing.texts[step.text]) {
-    prepared.source = drawing.texts[step.text];
-    prepared.text.setTextFormat(Qt::PlainText);
-    prepared.text.setText(QString::fromStdString(prepared.source));
-  }
-  painter.setPen(toQt(step.colour));
-  if (ratio_ == 1) {
-    painter.drawStaticText(pixel, prepared.text);
-    return;
-  }
-  const QTransform devicePixels = painter.worldTransform();
-  painter.setWorldTransform(devicePixels * QTransform::fromScale(ratio_, ratio_));
-  painter.drawStaticText(QPointF(pixel) / ratio_, prepared.text);
-  painter.setWorldTransform(devicePixels);
-}
-
-void GraphWidget::paintLines(QPainter& painter, const DeviceScale& scale, const QSize& surface) {
-  constexpr int dash = 7;
-  constexpr int gap = 5;
-  for (const VerticalLine& line : lines_) {
-    QPoint pixel;
-    if (!scale.map({line.x, recorder_.shown().scale.top}, pixel)) continue;
-    // The right edge itself lies beside the last pixel.
-    if (pixel.x() == surface.width()) pixel.rx() -= penWidth_;
-    const int x = pixel.x() + penWidth_ / 2;
-    painter.setPen(linePen(line.colour, penWidth_));
-    if (!line.dashed) {
-      painter.drawLine(x, 0, x, surface.height());
-      continue;
-    }
-    segments_.clear();
-    for (int top = 0; top < surface.height(); top += (dash + gap) * penWidth_) {
-      segments_.emplace_back(x, top, x, top + dash * penWidth_ - 1);
-    }
-    painter.drawLines(segments_.data(), static_cast<int>(segments_.size()));
-  }
 }
 
 }  // namespace pulsemod

@@ -1,36 +1,18 @@
 #pragma once
 
-#include <QColor>
 #include <QElapsedTimer>
-#include <QLine>
 #include <QPixmap>
 #include <QPoint>
-#include <QStaticText>
 #include <QTimer>
 #include <QWidget>
 #include <functional>
-#include <string>
 #include <vector>
 
 #include "platform/Picture.h"
 #include "ui/Drawing.h"
-
-class QPainter;
+#include "ui/DrawingPainter.h"
 
 namespace pulsemod {
-
-/// From user units to device pixels of a surface of `width` by `height` device pixels.
-struct DeviceScale {
-  DeviceScale(const PictureScale& scale, int width, int height);
-  /// Rounded, and kept within what the rasteriser can take; false for a value that is no number.
-  bool map(const PicturePoint& point, QPoint& pixel) const;
-
- private:
-  double xFactor_;
-  double xOffset_;
-  double yFactor_;
-  double yOffset_;
-};
 
 /// What the mouse does over a graph; points are in its user units. A handler may open a box.
 struct GraphMouseHandlers {
@@ -45,12 +27,16 @@ struct GraphMouseHandlers {
   std::function<void()> leave;
 };
 
-/// A line over the full height of a graph, at a place in its user units.
-struct VerticalLine {
-  double x = 0;
-  QColor colour;
-  bool dashed = false;
-  friend bool operator==(const VerticalLine&, const VerticalLine&) = default;
+/// What the keys do while a graph has the focus. A handler may open a box.
+struct GraphKeyHandlers {
+  /// Down or Page Down (1), Up or Page Up (-1). May be none.
+  std::function<void(int)> choose;
+  /// Left or Right goes down, or repeats: one pixel in user units, ten with Shift or Ctrl.
+  std::function<void(double)> move;
+  /// That key goes up, or the graph loses the keys. Once for each that went down.
+  std::function<void()> release;
+  /// Escape, or another control gets the focus. May be none.
+  std::function<void()> leave;
 };
 
 /// A graph: shows the last finished drawing of `picture()` and, above it, vertical lines. An expose
@@ -61,9 +47,14 @@ class GraphWidget : public QWidget {
   explicit GraphWidget(QWidget* parent = nullptr);
 
   Picture& picture() { return recorder_; }
+  /// What is shown.
+  const Drawing& shownDrawing() const { return recorder_.shown(); }
+  const std::vector<VerticalLine>& shownLines() const { return lines_; }
   /// They stay until the next call, whatever is drawn meanwhile.
   void placeLines(std::vector<VerticalLine> lines);
   void setMouseHandlers(GraphMouseHandlers handlers);
+  /// The graph then takes the focus of the Tab key, and shows it.
+  void setKeyHandlers(GraphKeyHandlers handlers);
   /// A left-right arrow, or the default pointer.
   void setSizingPointer(bool sizing);
 
@@ -79,11 +70,21 @@ class GraphWidget : public QWidget {
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void leaveEvent(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void changeEvent(QEvent* event) override;
 
  private:
+  /// The end of whatever is held down.
   void endPress();
+  void endMousePress();
+  void endKeyPress();
+  /// False for a key that is none of a graph's.
+  bool followKey(const QKeyEvent& event);
+  void moveByKey(const QKeyEvent& event);
   /// When the present change of the windows is complete: the release may let events run while it
   /// tells the meter, and a window that is half hidden or half blocked cannot stand that.
   void endPressLater();
@@ -91,16 +92,14 @@ class GraphWidget : public QWidget {
   void paintInTime();
   double textHeightShare() const;
   void prepareBackground(const QSize& deviceSize);
-  void paintSteps(QPainter& painter, const DeviceScale& scale, std::size_t first, std::size_t last);
-  void paintPolyline(QPainter& painter, const DeviceScale& scale, const DrawingStep& step);
-  void paintRun(QPainter& painter, Colour colour);
-  void paintText(QPainter& painter, const DeviceScale& scale, const DrawingStep& step);
-  void paintLines(QPainter& painter, const DeviceScale& scale, const QSize& surface);
 
   DrawingRecorder recorder_;
   std::vector<VerticalLine> lines_;
   GraphMouseHandlers mouse_;
   bool pressed_ = false;
+  GraphKeyHandlers keys_;
+  /// The key that moves something while it is down; 0 for none.
+  int heldKey_ = 0;
 
   QElapsedTimer sincePaint_;
   QTimer paintTimer_;
@@ -110,18 +109,7 @@ class GraphWidget : public QWidget {
   Drawing backgroundDrawing_;
   bool backgroundIsStale_ = true;
 
-  /// Of the paint in progress.
-  double ratio_ = 1;
-  int penWidth_ = 1;
-
-  /// Kept from paint to paint to spare allocations.
-  std::vector<QPoint> run_;
-  std::vector<QLine> segments_;
-  struct PreparedText {
-    std::string source;
-    QStaticText text;
-  };
-  std::vector<PreparedText> preparedTexts_;
+  DrawingPainter painting_;
 };
 
 }  // namespace pulsemod

@@ -13,7 +13,7 @@ inline constexpr QColor label{226, 232, 240};
 inline constexpr QColor quietLabel{166, 176, 190};
 inline constexpr QColor rule{70, 80, 96};
 
-/// The frame of a label that has the keyboard focus.
+/// The frame of a label or a graph that has the keyboard focus.
 inline constexpr QColor focusFrame{120, 190, 255};
 
 /// The label of an edge under the mouse, over the graph.

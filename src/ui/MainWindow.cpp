@@ -15,9 +15,12 @@
 #include "tracefiles/ProfileTraceFile.h"
 #include "ui/FileDrop.h"
 #include "ui/FontChoice.h"
+#include "ui/HelpMenu.h"
 #include "ui/InfoBox.h"
 #include "ui/MarkersWindow.h"
 #include "ui/Menus.h"
+#include "ui/PictureItems.h"
+#include "ui/ProfileSheet.h"
 #include "ui/PropertiesWindow.h"
 
 namespace pulsemod {
@@ -31,6 +34,7 @@ MainWindow::MainWindow(std::function<void()> showComms)
   buildPulseModMenu();
   buildSettingsMenu();
   buildViewMenu();
+  addHelpMenu(this);
   connectMenus();
   new FileDrop(this, OpenProfileTraceFile);
   setAcquisitionMenus(false);
@@ -45,6 +49,10 @@ void MainWindow::buildFileMenu() {
               QStringLiteral("Open a saved profile as the second profile"), QKeySequence::Open);
   menuSave_ = addItem(menu, "menuSave", QStringLiteral("&Save..."),
                       QStringLiteral("Save the live profile"), QKeySequence::Save);
+  menu->addSeparator();
+  addPictureItems(
+      menu, this,
+      {[this] { return profileSheet(*panel_); }, profileTraceText, QStringLiteral("profile")});
   menu->addSeparator();
   menuExit_ = addItem(menu, "menuExit", QStringLiteral("E&xit"), QStringLiteral("End the program"),
                       QKeySequence(Qt::CTRL | Qt::Key_Q));

@@ -5,13 +5,22 @@
 #include <QElapsedTimer>
 #include <QFontMetrics>
 #include <QLabel>
+#include <QProgressBar>
 #include <QThread>
 #include <QVBoxLayout>
 #include <QWindow>
 
 namespace pulsemod {
 
-/// One line of text. Closing it by any means but `hide` sets `dismissed`.
+namespace {
+
+// The whole of which the bar shows a part, while no number is known.
+constexpr int unknown = 0;
+constexpr int justBegun = 1;
+
+}  // namespace
+
+/// One line of text and a bar. Closing it by any means but `hide` sets `dismissed`.
 class PleaseWaitWindow : public QDialog {
  public:
   explicit PleaseWaitWindow(bool& dismissed) : dismissed_(dismissed) {
@@ -26,7 +35,12 @@ class PleaseWaitWindow : public QDialog {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(24, 24, 24, 24);
     layout->setSizeConstraint(QLayout::SetFixedSize);
+    layout->setSpacing(12);
     layout->addWidget(&message_);
+    bar_.setObjectName(QStringLiteral("barDone"));
+    bar_.setAccessibleName(QStringLiteral("Progress"));
+    bar_.setTextVisible(false);
+    layout->addWidget(&bar_);
   }
 
   /// A text on screen is painted at once, since no event may run before the meter answers.
@@ -35,6 +49,15 @@ class PleaseWaitWindow : public QDialog {
     if (shown == message_.text()) return;
     message_.setText(shown);
     if (isVisible()) message_.repaint();
+  }
+
+  /// Painted at once as well. A whole of 0 is one that nobody knows: the bar runs without end.
+  void setDone(int done, int whole) {
+    const bool sameWhole = bar_.maximum() == whole;
+    bar_.setRange(0, whole);
+    // Paints by itself what it changes on the screen.
+    bar_.setValue(done);
+    if (!sameWhole && isVisible()) bar_.repaint();
   }
 
   /// What is drawn before the window system has exposed the window is lost, so its expose is waited
@@ -64,11 +87,12 @@ class PleaseWaitWindow : public QDialog {
  private:
   bool& dismissed_;
   QLabel message_{this};
+  QProgressBar bar_{this};
 };
 
 PleaseWait::PleaseWait() {
   delay_.setSingleShot(true);
-  QObject::connect(&delay_, &QTimer::timeout, &delay_, [this] { show(delayedText_); });
+  QObject::connect(&delay_, &QTimer::timeout, &delay_, [this] { showWith(delayedText_, unknown); });
 }
 
 PleaseWait::~PleaseWait() = default;
@@ -78,10 +102,13 @@ PleaseWaitWindow& PleaseWait::window() {
   return *window_;
 }
 
-void PleaseWait::show(const std::string& text) {
+void PleaseWait::show(const std::string& text) { showWith(text, justBegun); }
+
+void PleaseWait::showWith(const std::string& text, int whole) {
   delay_.stop();
   dismissed_ = false;
   window().setText(text);
+  window().setDone(0, whole);
   window().appear();
 }
 
@@ -94,6 +121,10 @@ void PleaseWait::showAfter(int milliseconds, const std::string& text) {
 void PleaseWait::setText(const std::string& text) {
   delayedText_ = text;
   if (window_) window_->setText(text);
+}
+
+void PleaseWait::setDone(int done, int whole) {
+  if (window_) window_->setDone(done, whole);
 }
 
 void PleaseWait::hide() {

@@ -22,11 +22,13 @@ class PleaseWait : public Progress {
   void show(const std::string& text) override;
   void showAfter(int milliseconds, const std::string& text) override;
   void setText(const std::string& text) override;
+  void setDone(int done, int whole) override;
   void hide() override;
   bool dismissed() const override { return dismissed_; }
 
  private:
   PleaseWaitWindow& window();
+  void showWith(const std::string& text, int whole);
 
   std::unique_ptr<PleaseWaitWindow> window_;
   QTimer delay_;

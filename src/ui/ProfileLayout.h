@@ -29,10 +29,12 @@ struct ProfileLayout {
 
 /// The reference at the left, the rate in the middle and the scale at the right of the top row; the
 /// graph under it over the full width; start, capture and stop times in the row under the graph. A
-/// rate that would touch one of its neighbours gets a row of its own above them.
+/// rate that would touch one of its neighbours gets a row of its own above them, and labels that do
+/// not fit side by side stand under each other.
 ProfileLayout layOutProfile(const QSize& area, const ProfileLabelSizes& wanted);
 
-/// The smallest area in which no label touches another and the graph can still be read.
-QSize smallestProfileArea(const ProfileLabelSizes& labels);
+/// The smallest area, not wider than `widest`, in which no label touches another and the graph can
+/// still be read.
+QSize smallestProfileArea(const ProfileLabelSizes& labels, int widest);
 
 }  // namespace pulsemod

@@ -1,5 +1,6 @@
 #include "ui/ProfilePanel.h"
 
+#include <QScreen>
 #include <algorithm>
 
 #include "link/Fault.h"
@@ -13,8 +14,16 @@
 
 namespace pulsemod {
 
+namespace {
+
+QString edgeKeys() {
+  return QStringLiteral("Up and Down choose an edge of a gate, Left and Right move it.");
+}
+
+}  // namespace
+
 ProfilePanel::ProfilePanel(QWidget* parent) : QWidget(parent) {
-  setUpFace(*this);
+  setUpFace(*this, QStringLiteral("Pulse profile"));
   setUpRule(rule_);
 
   graph_.setObjectName(QStringLiteral("GraphPic"));
@@ -43,6 +52,11 @@ ProfilePanel::ProfilePanel(QWidget* parent) : QWidget(parent) {
       {[] { reportFaults(GraphButtonDown); },
        [](PicturePoint pointer) { reportFaults([pointer] { GraphMouseMove(pointer); }); },
        [] { reportFaults(GraphButtonUp); }, [] { reportFaults(GraphMouseLeave); }});
+  graph_.setAccessibleDescription(edgeKeys());
+  graph_.setKeyHandlers({[](int step) { reportFaults([step] { ChooseEdge(step); }); },
+                         [](double points) { reportFaults([points] { MoveChosenEdge(points); }); },
+                         [] { reportFaults(ReleaseChosenEdge); },
+                         [] { reportFaults(LeaveEdges); }});
 }
 
 void ProfilePanel::setUpEdgeLabel() {
@@ -72,6 +86,12 @@ void ProfilePanel::showEdgeLabel(PicturePoint topLeft) {
   edgeLabelPlace_ = topLeft;
   placeEdgeLabel();
   edgeLabel_.show();
+  graph_.setAccessibleDescription(edgeLabel_.text());
+}
+
+void ProfilePanel::hideEdgeLabel() {
+  edgeLabel_.hide();
+  graph_.setAccessibleDescription(edgeKeys());
 }
 
 void ProfilePanel::placeEdgeLabel() {
@@ -117,7 +137,8 @@ QSize ProfilePanel::smallestArea() const {
   return smallestProfileArea(
       {widerThan(reference_, QStringLiteral("Ref: -188.88 dBm")), widerThan(rate_, widestRate()),
        widerThan(scale_, QStringLiteral("Scale: 88.88 dB")), widerThan(start_, time),
-       widerThan(capture_, time), widerThan(stop_, time)});
+       widerThan(capture_, time), widerThan(stop_, time)},
+      screen()->availableSize().width());
 }
 
 void ProfilePanel::place() {

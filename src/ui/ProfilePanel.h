@@ -20,6 +20,7 @@ class ProfilePanel : public QWidget {
   explicit ProfilePanel(QWidget* parent = nullptr);
 
   Picture& graph() { return graph_.picture(); }
+  const GraphWidget& graphWidget() const { return graph_; }
   void placeGateLines(const GateLineArray& lines);
   void setGraphLabel(GraphLabel label, const QString& caption);
   QString graphLabel(GraphLabel label) const;
@@ -29,7 +30,7 @@ class ProfilePanel : public QWidget {
   QString edgeLabelCaption() const { return edgeLabel_.text(); }
   PictureSize edgeLabelSize() const { return graph_.userSize(edgeLabel_.sizeHint()); }
   void showEdgeLabel(PicturePoint topLeft);
-  void hideEdgeLabel() { edgeLabel_.hide(); }
+  void hideEdgeLabel();
   void setSizingPointer(bool sizing) { graph_.setSizingPointer(sizing); }
 
   QFont graphFont() const { return reference_.font(); }

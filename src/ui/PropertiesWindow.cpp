@@ -32,6 +32,7 @@ QTabWidget* PropertiesWindow::buildPages(std::function<void()> openMarkers) {
   const RunEdit runEdit = [this](const std::function<void()>& edit) { run(edit); };
   auto* tabs = new QTabWidget;
   tabs->setObjectName(QStringLiteral("sstab"));
+  tabs->setAccessibleName(QStringLiteral("Pages of settings"));
   channel_ = new ChannelPage(runEdit);
   gates_ = new GatesPage(runEdit);
   markers_ = new MarkersPage(runEdit, std::move(openMarkers));

@@ -45,6 +45,7 @@ ReadoutWindow::ReadoutWindow(QWidget* owner, const char* name, const QString& ti
       area_(new QWidget) {
   setObjectName(QLatin1String(name));
   setWindowTitle(title);
+  scroll_->setAccessibleName(title);
   scroll_->setFrameShape(QFrame::NoFrame);
   scroll_->setWidget(area_);
   scroll_->setAlignment(Qt::AlignHCenter | Qt::AlignTop);

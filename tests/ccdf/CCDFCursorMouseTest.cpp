@@ -79,6 +79,15 @@ TEST_F(CCDFMouseTest, PowerOfADragHasThreeDecimals) {
   }
 }
 
+TEST_F(CCDFMouseTest, PowerOfADragOnTheLongestAxisIsANumber) {
+  CCDF.StopPower = 3e38F;
+  pressAt(66);
+  for (const auto& [x, text] : {std::pair{100.0, "1.5E+38dBm"}, std::pair{190.0, "2.85E+38dBm"}}) {
+    moveTo(x);
+    EXPECT_EQ(view.cursor.power, text);
+  }
+}
+
 TEST_F(CCDFMouseTest, DragEndsStrictlyWithinTheAxis) {
   pressAt(66);
   for (const double x : {0.0, 200.0, -0.5, 200.5, -1000.0}) {
@@ -281,6 +290,40 @@ TEST_F(CCDFMouseTest, GraphWithoutPointsIsToldOnceInADrag) {
   EXPECT_EQ(shownBoxes().size(), 1U);
   EXPECT_EQ(shownBoxes()[0], "Pelmora|Division by zero|exclamation");
   EXPECT_EQ(CCDF.CursorX, 66);
+}
+
+TEST_F(CCDFMouseTest, KeysMoveTheLineAsADragDoesAndTheReleaseWrites) {
+  AcquisitionRunning = True16;
+  MoveCursorBy(30);
+  MoveCursorBy(4);
+  EXPECT_EQ(CCDF.CursorX, 100);
+  EXPECT_EQ(CCDF.CursorPower, -15);
+  EXPECT_EQ(AcquisitionRunning, False16);
+  EXPECT_TRUE(world.meter.received.empty());
+  EndCursorMove();
+  EXPECT_EQ(AcquisitionRunning, True16);
+  EXPECT_FALSE(view.sizingPointer);
+  EXPECT_EQ(world.meter.received, (Transcript{"TTMKPOS 1,-15"}));
+  EndCursorMove();
+  EXPECT_EQ(world.meter.received.size(), 1U);
+}
+
+TEST_F(CCDFMouseTest, KeysKeepTheLineBetweenTheEndsOfTheAxis) {
+  for (const double points : {-66.0, 200.0}) {
+    MoveCursorBy(points);
+    EXPECT_EQ(CCDF.CursorX, 66) << points;
+    EndCursorMove();
+  }
+}
+
+TEST_F(CCDFMouseTest, KeysDoNothingWhileTheCursorIsOff) {
+  CCDF.CursorOn = False16;
+  AcquisitionRunning = True16;
+  MoveCursorBy(1);
+  EXPECT_EQ(AcquisitionRunning, True16);
+  EndCursorMove();
+  EXPECT_EQ(CCDF.CursorX, 66);
+  EXPECT_TRUE(world.meter.received.empty());
 }
 
 }  // namespace

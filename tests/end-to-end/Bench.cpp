@@ -58,7 +58,9 @@ std::string linkName(const ::testing::TestParamInfo<Link>& info) {
 
 std::string readFile(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
 }
 
 void writeFile(const fs::path& path, const std::string& text) {
@@ -94,7 +96,8 @@ void Bench::startMeter() {
   order.command = {
       SIMULATED_METER,      "--link",       portLink(),      "--baud", "0", "--scenario",
       folder_ / "scenario", "--transcript", transcriptFile()};
-  order.environment = {{"ASAN_OPTIONS", "detect_leaks=0"}};
+  order.environment = environment_;
+  order.environment["ASAN_OPTIONS"] = "detect_leaks=0";
   order.outputFile = folder_ / "meter.out";
   order.errorFile = folder_ / "meter.err";
   meter_ = std::make_unique<Process>(order);
@@ -130,6 +133,7 @@ void Bench::startProgram() {
       {"LC_ALL", "C.UTF-8"},
       {"LD_LIBRARY_PATH", gpibLibraryIsThere_ ? GPIB_LIBRARY_FOLDER : ""},
   };
+  for (const auto& [name, value] : environment_) order.environment[name] = value;
   order.withoutVariables = {"QT_SCALE_FACTOR", "QT_STYLE_OVERRIDE", "DISPLAY", "WAYLAND_DISPLAY"};
   order.outputFile = folder_ / "program.out";
   order.errorFile = folder_ / "program.err";

@@ -6,9 +6,11 @@
 #include <filesystem>
 #include <functional>
 #include <iosfwd>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Process.h"
@@ -50,6 +52,10 @@ class Bench : public ::testing::Test {
   /// The same, and "CCDF Mode" up to its window.
   void startCCDF(Link link, const std::string& scenario = {});
   void hideGpibLibrary() { gpibLibraryIsThere_ = false; }
+  /// Of the program and of the serial meter, before what the bench gives them.
+  void setEnvironment(std::map<std::string, std::string> variables) {
+    environment_ = std::move(variables);
+  }
 
   // While it runs.
   robot::RobotClient& hands() { return *hands_; }
@@ -89,6 +95,7 @@ class Bench : public ::testing::Test {
   Link link_ = Link::gpib;
   std::string scenario_;
   bool gpibLibraryIsThere_ = true;
+  std::map<std::string, std::string> environment_;
   bool offencesAllowed_ = false;
   bool endExpected_ = false;
   std::size_t marks_ = 0;

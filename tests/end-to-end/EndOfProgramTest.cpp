@@ -119,6 +119,13 @@ TEST_F(LostSerialLink, AMeterThatVanishesWhileStoppedLeavesTheWindowUsable) {
   markTranscript();
   meter().kill();
   hands().trigger("frmMain/menuFreeRun");
+  const Box box = shownBox(hands());
+  EXPECT_EQ(box.title, "Pelmora");
+  EXPECT_NE(box.text.find("COM1:"), std::string::npos) << box.text;
+  EXPECT_TRUE(box.text.ends_with("Plug it in again, then start the program anew.")) << box.text;
+  hands().key("messageBox", "Return");
+  hands().waitGone("messageBox");
+  // It is told once.
   hands().trigger("frmMain/menudisplayupdate");
   hands().waitUntil("frmMain/menudisplayupdate", "checked", "false");
   EXPECT_EQ(windows(), "frmMain|Pelmora v" PULSEMOD_VERSION);

@@ -122,4 +122,12 @@ long Process::residentKilobytes() const {
   return 0;
 }
 
+bool Process::hasMapped(const std::string& path) const {
+  std::ifstream file("/proc/" + std::to_string(pid_) + "/maps");
+  for (std::string line; std::getline(file, line);) {
+    if (line.ends_with(" " + path)) return true;
+  }
+  return false;
+}
+
 }  // namespace endtoend

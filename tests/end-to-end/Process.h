@@ -33,6 +33,8 @@ class Process {
   double processorSeconds() const;
   /// Memory that it occupies at present.
   long residentKilobytes() const;
+  /// A file of this path is part of its memory.
+  bool hasMapped(const std::string& path) const;
 
   /// How it ended: its exit status, or 128 and the signal's number. Nothing when it still runs
   /// after the limit.

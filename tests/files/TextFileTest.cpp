@@ -48,7 +48,7 @@ TEST_F(TextFile, IsReadAsItStands) {
 TEST_F(TextFile, IsWrittenAsItStands) {
   const std::string content("one\r\ntwo\n\0three", 15);
   world.files.contents["/data/a.txt"] = "old";
-  writeTextFile("/data/a.txt", content);
+  writeFile("/data/a.txt", content);
   EXPECT_EQ(world.files.contents["/data/a.txt"], content);
 }
 
@@ -62,7 +62,7 @@ TEST_F(TextFile, ThatCannotBeReadIsNamedWithTheReason) {
 TEST_F(TextFile, ThatCannotBeWrittenIsNamedWithTheReasonAndStays) {
   world.files.contents["/data/a.txt"] = "old";
   world.files.writeFailure = "No space left on device";
-  EXPECT_EQ(faultOf([] { writeTextFile("/data/a.txt", "new"); }),
+  EXPECT_EQ(faultOf([] { writeFile("/data/a.txt", "new"); }),
             "/data/a.txt cannot be written: No space left on device");
   EXPECT_EQ(world.files.contents["/data/a.txt"], "old");
 }

@@ -92,5 +92,64 @@ TEST_F(FileDialogsTest, ReplacingAFileIsAskedForUnderTheCompletedName) {
   EXPECT_EQ(dialogs.askSaveFile("Save"), (root / "trace.txt").string());
 }
 
+const std::vector<FileKind> pictureKinds{{"PNG picture", "png"}, {"SVG drawing", "svg"}};
+
+TEST_F(FileDialogsTest, KindsAreOfferedAndTheFirstOneCompletesTheName) {
+  user.then<QFileDialog>([this](QFileDialog& dialog) {
+    EXPECT_EQ(dialog.objectName(), "saveFileDialog");
+    EXPECT_EQ(dialog.windowTitle(), "Save Picture");
+    EXPECT_EQ(dialog.nameFilters(), (QStringList{"PNG picture (*.png)", "SVG drawing (*.svg)"}));
+    EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptSave);
+    choose(dialog, root / "pulse");
+  });
+  EXPECT_EQ(dialogs.askSaveFileOfKind("Save Picture", pictureKinds), (root / "pulse.png").string());
+  EXPECT_FALSE(fs::exists(root / "pulse.png"));
+}
+
+TEST_F(FileDialogsTest, TheChosenKindCompletesTheName) {
+  user.then<QFileDialog>([this](QFileDialog& dialog) {
+    dialog.selectNameFilter("SVG drawing (*.svg)");
+    emit dialog.filterSelected("SVG drawing (*.svg)");
+    choose(dialog, root / "pulse");
+  });
+  EXPECT_EQ(dialogs.askSaveFileOfKind("Save Picture", pictureKinds), (root / "pulse.svg").string());
+}
+
+TEST_F(FileDialogsTest, ATypedSuffixOfAKindStays) {
+  for (const char* name : {"pulse.svg", "pulse.SVG", "pulse.png"}) {
+    user.then<QFileDialog>([&](QFileDialog& dialog) { choose(dialog, root / name); });
+    EXPECT_EQ(dialogs.askSaveFileOfKind("Save Picture", pictureKinds), (root / name).string());
+  }
+}
+
+TEST_F(FileDialogsTest, ADotInTheNameIsNoSuffixOfAKind) {
+  user.then<QFileDialog>([this](QFileDialog& dialog) { choose(dialog, root / "pulse 4.6ms"); });
+  EXPECT_EQ(dialogs.askSaveFileOfKind("Save Picture", pictureKinds),
+            (root / "pulse 4.6ms.png").string());
+}
+
+TEST_F(FileDialogsTest, ANameThatIsCompletedLaterIsAskedForToo) {
+  std::ofstream(root / "pulse 4.6ms.png") << "x";
+  user.then<QFileDialog>([this](QFileDialog& dialog) { choose(dialog, root / "pulse 4.6ms"); });
+  user.then<QMessageBox>([](QMessageBox& box) {
+    EXPECT_EQ(box.objectName(), "questionBox");
+    EXPECT_EQ(box.windowTitle(), "Pelmora");
+    EXPECT_EQ(box.text(), "pulse 4.6ms.png already exists.\nDo you want to replace it?");
+    EXPECT_EQ(box.icon(), QMessageBox::Warning);
+    EXPECT_EQ(box.textFormat(), Qt::PlainText);
+    EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No));
+    box.button(QMessageBox::No)->click();
+  });
+  user.then<QFileDialog>([this](QFileDialog& dialog) { choose(dialog, root / "pulse 4.6ms"); });
+  user.then<QMessageBox>([](QMessageBox& box) { box.button(QMessageBox::Yes)->click(); });
+  EXPECT_EQ(dialogs.askSaveFileOfKind("Save Picture", pictureKinds),
+            (root / "pulse 4.6ms.png").string());
+}
+
+TEST_F(FileDialogsTest, CancellingGivesNoNameOfAKind) {
+  user.then<QFileDialog>([](QFileDialog& dialog) { dialog.close(); });
+  EXPECT_EQ(dialogs.askSaveFileOfKind("Save Picture", pictureKinds), "");
+}
+
 }  // namespace
 }  // namespace pulsemod::test

@@ -388,7 +388,7 @@ std::string whereFilesEndAt(rlim_t bytes, const std::function<std::string()>& ac
 TEST_F(FilesTest, AWriteThatTheSystemCutsShortLeavesTheOldFile) {
   const std::string old(3000, 'o');
   put(file, old);
-  for (const rlim_t room : {0, 1, 1000, 4096, 9999}) {
+  for (const rlim_t room : {0U, 1U, 1000U, 4096U, 9999U}) {
     EXPECT_EQ(whereFilesEndAt(room, [this] { return replace(file, std::string(10000, 'n')); }),
               "File too large")
         << room;

@@ -16,6 +16,7 @@ class SilentProgress : public Progress {
   void show(const std::string&) override {}
   void showAfter(int, const std::string&) override {}
   void setText(const std::string&) override {}
+  void setDone(int, int) override {}
   void hide() override {}
   bool dismissed() const override { return false; }
 };
@@ -49,6 +50,13 @@ TEST(Host, MakingOneTouchesNothing) {
   EXPECT_EQ(gpibLibraryIsLoaded(), wasLoaded);
   EXPECT_EQ(openFiles(), opened);
   EXPECT_EQ(configurationFiles(), stored);
+}
+
+TEST(Host, ClockOfTheCallerTakesThePlaceOfItsOwn) {
+  SilentProgress progress;
+  HostClock clock;
+  const Host host(progress, &clock);
+  EXPECT_EQ(&host.services().clock, &clock);
 }
 
 TEST(Host, ServicesAreTheRealOnes) {

@@ -108,6 +108,45 @@ TEST_F(Conversations, AClickWhileAFaultIsShownWaitsForThoseBeforeIt) {
   EXPECT_EQ(order, (Order{"waiting", "clicked"}));
 }
 
+TEST_F(Conversations, ASerialPortLostInAnExchangeIsToldOnceAndAfterAllThatWaits) {
+  world.useSerial();
+  world.dialogs.whileOpen = [this] {
+    order.emplace_back("box");
+    EXPECT_FALSE(Conversation.open);
+    whenLinkIsFree(noting("clicked"));
+  };
+  converse([this] {
+    whenLinkIsFree(noting("kept"));
+    world.serial.lose();
+    SendCommand("TR3");
+  });
+  EXPECT_EQ(order, (Order{"kept", "box", "clicked"}));
+  whenLinkIsFree(noting("later"));
+  EXPECT_EQ(world.dialogs.messages, (std::vector<ShownBox>{{"The serial port was lost.", "Pelmora",
+                                                            MessageIcon::exclamation, ""}}));
+  EXPECT_EQ(world.serial.sent, "");
+}
+
+TEST_F(Conversations, ALostPortIsToldBesidesAFaultOfTheExchange) {
+  world.useSerial();
+  EXPECT_FALSE(reportFaults([this] {
+    whenLinkIsFree([this] {
+      world.serial.lose();
+      throw Fault("own fault");
+    });
+  }));
+  EXPECT_EQ(
+      world.dialogs.messages,
+      (std::vector<ShownBox>{{"The serial port was lost.", "Pelmora", MessageIcon::exclamation, ""},
+                             {"own fault", "Pelmora", MessageIcon::exclamation, ""}}));
+}
+
+TEST_F(Conversations, AFailingBoardIsNotTold) {
+  world.gpib.failNext["Send"] = 1;
+  whenLinkIsFree([] { SendCommand("TR3"); });
+  EXPECT_TRUE(world.dialogs.messages.empty());
+}
+
 TEST_F(Conversations, TheEndOfTheProgramRunsNothingMore) {
   EXPECT_THROW(converse([this] {
                  whenLinkIsFree(noting("kept"));

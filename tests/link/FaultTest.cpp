@@ -3,10 +3,13 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "link/ConfigProgress.h"
+#include "link/ExchangeCount.h"
 #include "link/Fault.h"
+#include "link/MeterLink.h"
 #include "support/FakeWorld.h"
 
 namespace pulsemod::test {
@@ -93,6 +96,29 @@ TEST(ConfigurationProgress, StaysOnTheScreenWhenAsked) {
   }
   EXPECT_TRUE(world.progress.visible);
   EXPECT_EQ(world.progress.hides, 0);
+}
+
+TEST(ConfigurationProgress, BarGrowsWithEachExchangeAndNotBeyondItsEnd) {
+  FakeWorld world;
+  {
+    ConfigProgress progress("First...");
+    SendCommand("CHDISPN 1");
+    EXPECT_TRUE(world.progress.bars.empty());
+    progress.expect(2);
+    for (int exchange = 0; exchange < 3; ++exchange) SendCommand("CHDISPN 1");
+  }
+  SendCommand("CHDISPN 1");
+  EXPECT_EQ(world.progress.bars,
+            (std::vector<std::pair<int, int>>{{0, 2}, {1, 2}, {2, 2}, {2, 2}}));
+}
+
+TEST(ConfigurationProgress, ShowsNoStepOfARoutineThatIsOnlyCounted) {
+  FakeWorld world;
+  const ConfigProgress progress("First...");
+  countExchanges([&progress] { progress.step("Second..."); });
+  EXPECT_EQ(world.progress.texts, (std::vector<std::string>{"Please Wait... First..."}));
+  progress.step("Second...");
+  EXPECT_EQ(world.progress.texts.back(), "Please Wait... Second...");
 }
 
 }  // namespace

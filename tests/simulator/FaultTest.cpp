@@ -24,6 +24,19 @@ TEST(Fault, StrikesFromAnOccurrenceOn) {
   EXPECT_EQ(bench.ask("*OPC?"), "");
 }
 
+TEST(Fault, AnotherPlanTakesThePlaceOfTheOldOneAndCountsAnew) {
+  Bench bench("fault = *OPC?, 2, drop\n");
+  EXPECT_EQ(bench.ask("*OPC?"), "1");
+  EXPECT_EQ(bench.exchange->faults().strikes(), 0u);
+  EXPECT_EQ(bench.ask("*OPC?"), "");
+  EXPECT_EQ(bench.exchange->faults().strikes(), 1u);
+  bench.exchange->faults() = FaultPlan({*parseFault("*IDN?, 1, drop")});
+  EXPECT_EQ(bench.ask("*OPC?"), "1");
+  EXPECT_EQ(bench.exchange->faults().strikes(), 0u);
+  EXPECT_EQ(bench.ask("*IDN?"), "");
+  EXPECT_EQ(bench.exchange->faults().strikes(), 1u);
+}
+
 TEST(Fault, MatchesTheBeginningOfTheMessage) {
   Bench bench("fault = pmpre, every, drop\n");
   EXPECT_EQ(bench.ask("PMPREF? 1,DB"), "");

@@ -10,6 +10,7 @@ TEST(Scenario, EmptyTextGivesTheDefaults) {
   const Scenario scenario = parseScenario("");
   EXPECT_EQ(scenario.meter.identity, "PELMORA,QX7205A,SN001234,V1.05");
   EXPECT_EQ(scenario.meter.seed, 1u);
+  EXPECT_FALSE(scenario.meter.stillNoise);
   EXPECT_EQ(scenario.address, 13);
   EXPECT_EQ(scenario.boardTimeOut.count(), 1000);
   EXPECT_TRUE(scenario.problems.empty());
@@ -21,6 +22,7 @@ TEST(Scenario, EveryKeyIsUnderstood) {
       "\n"
       "model = QX7104A\r\n"
       "  seed=99\n"
+      "noise = still\n"
       "averaging = 32\n"
       "envelope = fixed\n"
       "number-traces = on\n"
@@ -32,6 +34,7 @@ TEST(Scenario, EveryKeyIsUnderstood) {
   EXPECT_TRUE(scenario.problems.empty());
   EXPECT_EQ(scenario.meter.identity, "PELMORA,QX7104A,SN001234,V1.05");
   EXPECT_EQ(scenario.meter.seed, 99u);
+  EXPECT_TRUE(scenario.meter.stillNoise);
   EXPECT_EQ(scenario.meter.envelope, Envelope::kFixed);
   EXPECT_TRUE(scenario.meter.numberTraces);
   EXPECT_EQ(scenario.setup,
@@ -59,6 +62,7 @@ TEST(Scenario, BadLinesAreNamedWithTheirNumber) {
 TEST(Scenario, BadValuesOfEveryKeyAreRefused) {
   for (const char* line : {"model =",
                            "seed = -1",
+                           "noise = off",
                            "averaging = 0",
                            "averaging = 1001",
                            "envelope = square",

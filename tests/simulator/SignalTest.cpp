@@ -157,5 +157,31 @@ TEST(TraceOfSignal, IsTheSameForTheSameSeedAndDiffersFromTraceToTrace) {
   EXPECT_NE(first, one.ask("PMPO 1"));
 }
 
+TEST(StillNoise, EveryTraceIsTheFirstOne) {
+  Bench still("noise = still\nseed = 42\n");
+  Bench moving("seed = 42\n");
+  const std::string first = moving.ask("PMPO 1");
+  EXPECT_EQ(still.ask("PMPO 1"), first);
+  EXPECT_EQ(still.ask("PMPO 1"), first);
+  still.tell("PPACQS 1,ON");
+  still.ask("TTFRO 1");
+  EXPECT_EQ(still.ask("PMPO 1"), first);
+}
+
+TEST(StillNoise, EveryCurveIsTheFirstOne) {
+  Bench still("noise = still\nseed = 42\n");
+  Bench moving("seed = 42\n");
+  for (Bench* each : {&still, &moving}) each->tell("PPACQS 1,ON");
+  const std::string first = moving.ask("TTFRO 1");
+  EXPECT_NE(moving.ask("TTFRO 1"), first);
+  EXPECT_EQ(still.ask("TTFRO 1"), first);
+  EXPECT_EQ(still.ask("TTFRO 1"), first);
+  const std::string share = still.ask("TTMKRO 1");
+  still.ask("PMPO 1");
+  still.tell("PPACQRT 1");
+  EXPECT_EQ(still.ask("TTFRO 1"), first);
+  EXPECT_EQ(still.ask("TTMKRO 1"), share);
+}
+
 }  // namespace
 }  // namespace simmeter

@@ -150,6 +150,11 @@ TEST_F(CCDFStart, ProgressTellsTheSteps) {
   EXPECT_EQ(world.progress.hides, 3);
 }
 
+TEST_F(CCDFStart, BarGrowsToItsEndWhileTheMeterIsConfigured) {
+  start();
+  EXPECT_TRUE(world.progress.barGrewToItsEnd(10));
+}
+
 TEST_F(CCDFStart, AMeterThatDeniesCompletionIsToldAndTheStartGoesOn) {
   world.meter.replies["*OPC?"] = "0";
   start();

@@ -37,5 +37,12 @@ TEST(MeterModel, IsFoundByItsNameInTheIdentity) {
   for (const Row& row : rows) EXPECT_EQ(modelOfIdentity(row.identity), row.code) << row.identity;
 }
 
+TEST(MeterModel, ShownIdentityIsOneShortLineOfPrintableCharacters) {
+  EXPECT_EQ(shownIdentity("PELMORA,QX7205A,1234,1.00\r\n"), "PELMORA,QX7205A,1234,1.00");
+  EXPECT_EQ(shownIdentity(" QX7105\tA\x01\xff "), "QX7105 A");
+  EXPECT_EQ(shownIdentity(std::string(200, 'x')), std::string(80, 'x'));
+  EXPECT_EQ(shownIdentity(""), "");
+}
+
 }  // namespace
 }  // namespace pulsemod::test

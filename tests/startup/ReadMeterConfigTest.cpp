@@ -76,6 +76,55 @@ TEST_F(ReadConfig, EachProgressTextStandsBeforeItsExchanges) {
   EXPECT_EQ(at(49), "PMPO 1 | Please Wait... Reading Capture Period...");
 }
 
+TEST_F(ReadConfig, BarGrowsToItsEndWithEachExchangeOnEitherLink) {
+  for (const bool serial : {false, true}) {
+    FakeWorld fresh;
+    if (serial) fresh.useSerial();
+    answerConfiguration(fresh.meter);
+    ReadMeterConfig();
+    // Whether a statistics acquisition must be stopped is asked before the window shows.
+    EXPECT_TRUE(fresh.progress.barGrewToItsEnd(configurationTranscript().size() - 1));
+    EXPECT_EQ(fresh.progress.bars.size(), 50U);
+  }
+}
+
+TEST_F(ReadConfig, BarReachesItsEndWhateverTheMeterAnswers) {
+  for (const char* reply : {"ON", "OFF", "", "3", "1E99"}) {
+    FakeWorld fresh;
+    answerConfiguration(fresh.meter);
+    for (auto& [query, answer] : fresh.meter.replies) {
+      if (query != "CHACTIV?" && query != "PMPO 1") answer = answer.substr(0, 8) + ",1," + reply;
+    }
+    ReadMeterConfig();
+    EXPECT_TRUE(fresh.progress.barGrewToItsEnd(49)) << reply;
+    FakeWorld silent;
+    ReadMeterConfig();
+    EXPECT_TRUE(silent.progress.barGrewToItsEnd(49));
+  }
+}
+
+TEST_F(ReadConfig, BarStandsAtItsExchangeWhileItsReplyIsWaitedFor) {
+  std::vector<std::pair<std::string, int>> seen;
+  world.meter.onMessage = [this, &seen](const std::string& message) {
+    if (!world.progress.bars.empty()) seen.emplace_back(message, world.progress.bars.back().first);
+  };
+  ReadMeterConfig();
+  EXPECT_EQ(seen.front(), (std::pair<std::string, int>{"CHACTIV?", 0}));
+  EXPECT_EQ(seen[1], (std::pair<std::string, int>{"CHDISPN 1", 1}));
+  EXPECT_EQ(seen.back(), (std::pair<std::string, int>{"PMPO 1", 48}));
+}
+
+TEST_F(ReadConfig, CountingChangesNoSetting) {
+  Settings.RepeatEnabled = True16;
+  Settings.RepeatCount = 8;
+  const GateSettings gateFive = Settings.Gates[4];
+  answer("GP1REPS? 1") = "GP1REPS 1,OFF";
+  ReadMeterConfig();
+  EXPECT_EQ(Settings.RepeatEnabled, False16);
+  EXPECT_EQ(Settings.Gates[4].Enabled, gateFive.Enabled);
+  EXPECT_EQ(Settings.Gates[4].StartTime, gateFive.StartTime);
+}
+
 TEST_F(ReadConfig, StatisticsAcquisitionIsStoppedBeforeTheProgressShows) {
   answer("PPACQS? 1") = "PPACQS 1,ON";
   bool stopped = false;

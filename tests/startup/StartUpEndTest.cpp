@@ -98,6 +98,7 @@ TEST_F(StartThatEnds, AMeterThatIsNotSupportedIsRefused) {
     expectEnd({unsupported});
     EXPECT_EQ(world.meter.received, startTranscript()) << identity;
     EXPECT_EQ(MeterModel, 0);
+    EXPECT_EQ(MeterIdentity, "");
     EXPECT_EQ(world.gpib.timesCalled("ibfindA GPIB0"), 1);
     EXPECT_EQ(world.gpib.timesCalled("ibonl 7 0"), 1);
     EXPECT_EQ(world.gpib.calls.back(), "ibonl 7 0");

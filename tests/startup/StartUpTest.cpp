@@ -54,6 +54,7 @@ TEST_F(Start, LoadReadsTheConfigurationShowsTheWindowAndEntersTheLoop) {
   EXPECT_EQ(world.meter.received, loadTranscript());
   EXPECT_EQ(view.shown, (Shown{"question", "main \"" + versionCaption() + "\""}));
   EXPECT_EQ(MeterModel, 5);
+  EXPECT_EQ(MeterIdentity, "PELMORA,QX7205A,1234,1.00");
   EXPECT_EQ(Settings.ReferenceLevel, 5.0F);
   EXPECT_EQ(Settings.DisplayPoints, 400);
   EXPECT_EQ(AcquisitionRunning, False16);

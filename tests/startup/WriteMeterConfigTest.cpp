@@ -139,6 +139,22 @@ TEST_F(WriteConfig, ProgressTextsInTheirOrder) {
   EXPECT_EQ(world.progress.hides, 1);
 }
 
+TEST_F(WriteConfig, BarGrowsToItsEndWithEachCommand) {
+  WriteMeterConfig();
+  EXPECT_TRUE(world.progress.barGrewToItsEnd(world.meter.received.size() - 1));
+  EXPECT_EQ(world.progress.bars.size(), 74U);
+}
+
+TEST_F(WriteConfig, BarCountsTheCommandsOfTheseSettings) {
+  for (const Boolean16 active : {False16, True16}) {
+    FakeWorld fresh;
+    for (MarkerSettings& marker : Settings.Markers) marker.IsActive = active;
+    WriteMeterConfig();
+    EXPECT_TRUE(fresh.progress.barGrewToItsEnd(active != False16 ? 76 : 72));
+    EXPECT_EQ(fresh.meter.received.size(), active != False16 ? 77U : 73U);
+  }
+}
+
 TEST_F(WriteConfig, EachProgressTextStandsBeforeItsCommands) {
   std::vector<std::string> seen;
   world.meter.onMessage = [this, &seen](const std::string& message) {
@@ -167,6 +183,7 @@ TEST_F(WriteConfig, BothChannelsFailAtTheAveragingAfterAllBeforeItWasSent) {
                         "CHCFG 1&2, ", "TRCAPT 1&2,PMOD,0.0046", "TRDLYT 1&2,PMOD,0",
                         "PMPREF 1&2,DB,10", "PMPSCAL 1&2,DB,10"}));
   EXPECT_FALSE(world.progress.visible);
+  EXPECT_TRUE(world.progress.barGrewToItsEnd(8));
 }
 
 struct CompletionCase {

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -49,7 +50,10 @@ class FakeGpib : public GpibLibrary {
     }
     if (!output.empty()) ++interruptedQueries;
     output.clear();
-    if (const auto reply = meter_.receive(text)) output = *reply + terminator;
+    const auto reply = meter_.receive(text);
+    if (!reply) return;
+    output = *reply + terminator;
+    if (onReply) onReply(output);
   }
   void Receive(int board, int address, char* buffer, std::size_t size, int termination) override {
     lastBoard = board;
@@ -103,6 +107,10 @@ class FakeGpib : public GpibLibrary {
   int boardDescriptor = 7;
   std::string reason;
   std::string output;
+  /// May change a reply, with its terminator, before it is read.
+  std::function<void(std::string&)> onReply;
+  /// Runs in each call that names an address or a board; the call fails with the code it returns.
+  std::function<std::optional<int>(const std::string& name)> fault;
   GpibEnd lastEnd = GpibEnd::none;
   int lastTermination = 0;
   /// Board of the last transfer or poll, and room in the buffer of the last Receive.
@@ -118,10 +126,15 @@ class FakeGpib : public GpibLibrary {
       failNext.erase(found);
       fails = true;
     }
+    int code = failureCode;
+    if (const auto faultCode = fault ? fault(name) : std::nullopt) {
+      fails = true;
+      code = *faultCode;
+    }
     constexpr int complete = 0x0100;
     if (status_ != nullptr) {
       *status_ = complete | (fails ? gpibStatusError : 0);
-      *error_ = fails ? failureCode : 0;
+      *error_ = fails ? code : 0;
       *count_ = static_cast<int>(moved);
       *longCount_ = moved;
     }

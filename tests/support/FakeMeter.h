@@ -22,6 +22,7 @@ class FakeMeter {
       errorIsReported = true;
       return std::nullopt;
     }
+    if (answer) return answer(message);
     if (const auto next = onceReplies.find(message);
         next != onceReplies.end() && !next->second.empty()) {
       const std::string reply = next->second.front();
@@ -43,6 +44,8 @@ class FakeMeter {
   /// Stays set until the meter is told *CLS.
   bool errorIsReported = false;
   std::function<void(const std::string&)> onMessage;
+  /// Answers in place of the fixed replies.
+  std::function<std::optional<std::string>(const std::string&)> answer;
 
   /// Every message in its order, as it came, without its terminator.
   std::vector<std::string> received;

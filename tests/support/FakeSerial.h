@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,10 @@
 #include "support/FakeMeter.h"
 
 namespace pulsemod::test {
+
+/// What happens on the line, for a test that pulls the port: bytes are written, are about to leave,
+/// have reached the meter, a piece of a reply has arrived.
+enum class LineMoment { write, leaving, left, piece };
 
 /// A serial port with one meter behind it. What is written leaves, and what comes back arrives,
 /// while the events run: one step for each call of `progress`.
@@ -30,6 +35,7 @@ class FakeSerial : public SerialPort {
     isOpen_ = false;
   }
   void write(std::string_view bytes) override {
+    note(LineMoment::write);
     if (isOpen_) outgoing_ += bytes;
   }
   std::size_t outputCount() const override { return isOpen_ ? outgoing_.size() : 0; }
@@ -49,13 +55,17 @@ class FakeSerial : public SerialPort {
         --stalledSteps;
         return true;
       }
+      note(LineMoment::leaving);
+      if (!isOpen_) return true;
       deliver();
+      note(LineMoment::left);
       return true;
     }
     if (incoming.empty()) return false;
     const std::string piece = incoming.front();
     incoming.pop_front();
     arrived_.insert(arrived_.end(), piece.begin(), piece.end());
+    note(LineMoment::piece);
     return true;
   }
 
@@ -78,8 +88,14 @@ class FakeSerial : public SerialPort {
   int stalledSteps = 0;
   /// Every byte that left, terminators included.
   std::string sent;
+  /// May change a reply, with its framing, before it is on its way.
+  std::function<void(std::string&)> onReply;
+  std::function<void(LineMoment)> onMoment;
 
  private:
+  void note(LineMoment moment) {
+    if (onMoment) onMoment(moment);
+  }
   void deliver() {
     sent += outgoing_;
     if (!incoming.empty() || !arrived_.empty()) ++interruptedQueries;
@@ -91,7 +107,8 @@ class FakeSerial : public SerialPort {
     }
     outgoing_.clear();
   }
-  void queueReply(const std::string& text) {
+  void queueReply(std::string text) {
+    if (onReply) onReply(text);
     for (std::size_t at = 0; at < text.size(); at += pieceSize) {
       incoming.push_back(text.substr(at, pieceSize));
     }

@@ -5,6 +5,7 @@
 #include "ccdf/PowerAxis.h"
 #include "link/CommsSettings.h"
 #include "link/Conversation.h"
+#include "link/ExchangeCount.h"
 #include "link/GpibCalls.h"
 #include "link/MeterLink.h"
 #include "profile/AcquisitionControl.h"
@@ -24,6 +25,7 @@ FakeWorld::FakeWorld() {
   EditedComms = CommsSettings{};
   LinkSettings = CommsSettings{};
   Conversation = ConversationState{};
+  ExchangeCount = ExchangeCountState{};
   Gpib = GpibVariables{};
   ReplyMayBeGivenUp = false;
   LinkGivenUp = false;
@@ -47,6 +49,7 @@ FakeWorld::FakeWorld() {
   PowerEdits = PowerEditCounts{};
   ConfigExchangeBusy = False16;
   MeterModel = 0;
+  MeterIdentity.clear();
 }
 
 FakeWorld::~FakeWorld() { forgetKeptExchanges(); }

@@ -65,7 +65,7 @@ class FakeEvents : public EventQueue {
     ++waits;
     const bool ran = runOne();
     const bool moved = serial_.progress();
-    if (!ran && !moved) throw WaitsForEver("nothing can end this wait");
+    if (!ran && !moved && !(onIdle && onIdle())) throw WaitsForEver("nothing can end this wait");
   }
   void processUntilEventOr(int milliseconds) override {
     if (milliseconds <= 0) return processPending();
@@ -77,6 +77,8 @@ class FakeEvents : public EventQueue {
   void post(std::function<void()> event) { queue_.push_back(std::move(event)); }
   /// Runs at each call of any kind.
   std::function<void()> always;
+  /// Runs when nothing can end a wait; true when it has seen to that.
+  std::function<bool()> onIdle;
 
   int pendingCalls = 0;
   int waits = 0;
@@ -188,10 +190,19 @@ class FakeFileDialogs : public FileDialogs {
     titles.push_back(title);
     return saveAnswer;
   }
+  std::string askSaveFileOfKind(const std::string& title,
+                                std::span<const FileKind> kinds) override {
+    titles.push_back(title);
+    suffixes.clear();
+    for (const FileKind& kind : kinds) suffixes.push_back(kind.suffix);
+    return saveAnswer;
+  }
 
   std::string openAnswer;
   std::string saveAnswer;
   std::vector<std::string> titles;
+  /// Those that the last question for a file of a kind offered.
+  std::vector<std::string> suffixes;
 };
 
 /// Files in memory.
@@ -228,16 +239,27 @@ class FakeProgress : public Progress {
     dismissedByUser = false;
   }
   void setText(const std::string& text) override { texts.push_back(text); }
+  void setDone(int done, int whole) override { bars.emplace_back(done, whole); }
   void hide() override {
     visible = false;
     ++hides;
   }
   bool dismissed() const override { return dismissedByUser; }
 
+  /// The bar went from 0 to its end by single steps: one for each of so many exchanges.
+  bool barGrewToItsEnd(std::size_t exchanges) const {
+    const auto whole = static_cast<int>(exchanges);
+    std::vector<std::pair<int, int>> growing;
+    for (int done = 0; done <= whole; ++done) growing.emplace_back(done, whole);
+    return bars == growing;
+  }
+
   bool visible = false;
   bool dismissedByUser = false;
   int hides = 0;
   std::vector<std::string> texts;
+  /// What the bar was told: done, of the whole.
+  std::vector<std::pair<int, int>> bars;
   std::vector<std::pair<int, std::string>> delayed;
 };
 

@@ -103,9 +103,8 @@ TEST_F(SaveTraceTest, AFileThatCannotBeWrittenIsReportedAndStays) {
 }
 
 TEST_F(SaveTraceTest, SavesTheProfileThatStandsWhenTheUserHasAnswered) {
-  class Answering : public FileDialogs {
+  class Answering : public FakeFileDialogs {
    public:
-    std::string askOpenFile(const std::string&) override { return {}; }
     std::string askSaveFile(const std::string&) override {
       ProfileTrace[0] = -77;
       Settings.DisplayPoints = 1;

@@ -92,6 +92,7 @@ class CCDFMenuTest : public QObject {
   void menus();
   void mnemonicsAreUnique();
   void shortcuts();
+  void itemsHaveToolTips();
   void initialStates();
   void savedCurveIsOpened();
   void startAndStop();
@@ -113,8 +114,11 @@ void CCDFMenuTest::menus() {
   const QList<QAction*> bar = bench.window.menuBar()->actions();
   QStringList captions;
   for (const QAction* entry : bar) captions << entry->text();
-  QCOMPARE(captions, QStringList({"&File", "&CCDF", "C&ursor", "&Source"}));
-  QCOMPARE(listOf(*bar[0]->menu()), QStringList({"OpenMenu: &Open...", "menuSave: &Save..."}));
+  QCOMPARE(captions, QStringList({"&File", "&CCDF", "C&ursor", "&Source", "&Help"}));
+  QCOMPARE(listOf(*bar[0]->menu()),
+           QStringList({"OpenMenu: &Open...", "menuSave: &Save...",
+                        "menuSavePicture: Save P&icture...", "menuCopyPicture: &Copy Picture",
+                        "menuCopyData: Copy &Data", "menuPrint: &Print..."}));
   QCOMPARE(listOf(*bar[1]->menu()),
            QStringList({"menuStart: St&art", "menuStop: S&top", "MenuRestart: &Restart Statistics",
                         "menuSecondProfile: &Second Profile"}));
@@ -124,9 +128,22 @@ void CCDFMenuTest::menus() {
            QStringList({"menuMeasSourceGate: &Gate", "menuMeasSourceActiveMarker: Active &Marker",
                         "menuMeasSourceChannel: &Channel"}));
   QCOMPARE(bar[3]->objectName(), "menuMeasSource");
+  QCOMPARE(listOf(*bar[4]->menu()),
+           QStringList({"menuUserGuide: &User Guide", "menuAbout: &About Pelmora PulseMod"}));
   for (const QAction* item : allItems(bench)) {
     QVERIFY2(!item->toolTip().isEmpty() && item->toolTip() != item->iconText(),
              qPrintable(item->objectName()));
+  }
+}
+
+/// More than the name, which the toolkit puts there by itself.
+void CCDFMenuTest::itemsHaveToolTips() {
+  CCDFBench bench;
+  for (const QAction* item : allItems(bench)) {
+    QString name = item->text();
+    name.remove('&').remove("...");
+    QVERIFY2(item->toolTip() != name, qPrintable(name));
+    QVERIFY2(item->toolTip().size() > 10, qPrintable(name));
   }
 }
 
@@ -155,9 +172,11 @@ void CCDFMenuTest::shortcuts() {
     QVERIFY2(!key.startsWith("Alt+"), qPrintable(key));
     keys << item->objectName() + " " + key;
   }
-  QCOMPARE(keys, QStringList({"OpenMenu Ctrl+O", "menuSave Ctrl+S", "menuStart F5",
-                              "menuStop Shift+F5", "MenuRestart F6", "menuSecondProfile F7",
-                              "menuOn F8", "menuOFF Shift+F8", "menuSetCursorPosition F9"}));
+  QCOMPARE(keys, QStringList({"OpenMenu Ctrl+O", "menuSave Ctrl+S", "menuSavePicture Ctrl+Shift+S",
+                              "menuCopyPicture Ctrl+C", "menuCopyData Ctrl+Shift+C",
+                              "menuPrint Ctrl+P", "menuStart F5", "menuStop Shift+F5",
+                              "MenuRestart F6", "menuSecondProfile F7", "menuOn F8",
+                              "menuOFF Shift+F8", "menuSetCursorPosition F9", "menuUserGuide F1"}));
   // They arrive.
   bench.show();
   bench.key(Qt::Key_F6);
@@ -168,7 +187,8 @@ void CCDFMenuTest::shortcuts() {
   QVERIFY(CCDF.CursorOn == False16);
   for (const auto& [letter, first] :
        {std::pair{Qt::Key_F, "OpenMenu"}, std::pair{Qt::Key_C, "menuStart"},
-        std::pair{Qt::Key_U, "menuOn"}, std::pair{Qt::Key_S, "menuMeasSourceGate"}}) {
+        std::pair{Qt::Key_U, "menuOn"}, std::pair{Qt::Key_S, "menuMeasSourceGate"},
+        std::pair{Qt::Key_H, "menuUserGuide"}}) {
     bench.key(letter, Qt::AltModifier);
     QWidget* open = QApplication::activePopupWidget();
     QVERIFY2(open != nullptr, first);

@@ -296,9 +296,10 @@ void CCDFMouseTest::keyboardReachesBothLabels() {
   bench.show();
   bench.key(Qt::Key_Return);
   QVERIFY(bench.world.dialogs.inputs.empty());
-  for (const char* name : {"lblStartPower", "lblStopPower", "lblStartPower"}) {
+  for (const char* name :
+       {"CCDFGraphPic", "lblStartPower", "lblStopPower", "CCDFGraphPic", "lblStartPower"}) {
     bench.key(Qt::Key_Tab);
-    QCOMPARE(QApplication::focusWidget(), &bench.label(name));
+    QCOMPARE(QApplication::focusWidget()->objectName(), name);
   }
   bench.key(Qt::Key_Return);
   bench.key(Qt::Key_Tab);

@@ -60,6 +60,7 @@ class FileDropTest : public QObject {
   void pathKeepsItsLetters();
   void isCopiedEvenWhereItCouldBeMoved();
   void nothingIsTakenWhileAnotherWindowIsModal();
+  void fileWaitsForTheEndOfABoxThatCameUpAfterItsDrop();
   void aModalWindowTakesItsOwn();
   void faultIsReported();
   void windowThatIsGoneOpensNothing();
@@ -129,6 +130,22 @@ void FileDropTest::nothingIsTakenWhileAnotherWindowIsModal() {
   QCOMPARE(target.drop(data), (QList<bool>{false, false, false}));
   box.close();
   QCOMPARE(target.drop(data), (QList<bool>{true, true, true}));
+  QCoreApplication::processEvents();
+  QCOMPARE(target.opened.size(), std::size_t{1});
+}
+
+void FileDropTest::fileWaitsForTheEndOfABoxThatCameUpAfterItsDrop() {
+  Target target;
+  QMimeData data;
+  data.setUrls({QUrl(file)});
+  target.drop(data);
+  QDialog box(&target.window);
+  box.open();
+  QCoreApplication::processEvents();
+  QVERIFY(target.opened.empty());
+  box.accept();
+  QCoreApplication::processEvents();
+  QCOMPARE(target.opened, std::vector<std::string>{"/data/settings.txt"});
   QCoreApplication::processEvents();
   QCOMPARE(target.opened.size(), std::size_t{1});
 }

@@ -83,6 +83,7 @@ class MainMenuTest : public QObject {
   void menus();
   void mnemonicsAreUnique();
   void shortcutsDoNotClash();
+  void itemsHaveToolTips();
   void initialStates();
   void acquisitionChangesStates();
   void startAndStop();
@@ -111,14 +112,17 @@ class MainMenuTest : public QObject {
 
 void MainMenuTest::menus() {
   Main main;
-  QCOMPARE(main.itemsOf("&File"), (QStringList{"menuOpen", "menuSave", "-", "menuExit"}));
+  QCOMPARE(main.itemsOf("&File"),
+           (QStringList{"menuOpen", "menuSave", "-", "menuSavePicture", "menuCopyPicture",
+                        "menuCopyData", "menuPrint", "-", "menuExit"}));
   QStringList pulseMod = main.itemsOf("&PulseMod");
   pulseMod.removeAll("-");
   QCOMPARE(pulseMod, (QStringList{"menuStart", "menuStop", "menuFreeRun", "menuSecondProfile",
                                   "menudisplayupdate"}));
   QCOMPARE(main.itemsOf("&Settings"), (QStringList{"menuProperties", "menuComs", "menuGraphFont"}));
   QCOMPARE(main.itemsOf("&View"), (QStringList{"menuInfoBox", "menuMarkers"}));
-  QCOMPARE(main.window.menuBar()->actions().size(), 4);
+  QCOMPARE(main.itemsOf("&Help"), (QStringList{"menuUserGuide", "menuAbout"}));
+  QCOMPARE(main.window.menuBar()->actions().size(), 5);
   QCOMPARE(main.item("menuSecondProfile").text(), "&Second Profile");
 }
 
@@ -138,13 +142,31 @@ void MainMenuTest::mnemonicsAreUnique() {
   }
 }
 
+/// More than the name, which the toolkit puts there by itself.
+void MainMenuTest::itemsHaveToolTips() {
+  Main main;
+  int items = 0;
+  for (const QAction* entry : main.window.menuBar()->actions()) {
+    QVERIFY(entry->menu()->toolTipsVisible());
+    for (const QAction* item : entry->menu()->actions()) {
+      if (item->isSeparator()) continue;
+      QString name = item->text();
+      name.remove('&').remove("...");
+      QVERIFY2(item->toolTip() != name, qPrintable(name));
+      QVERIFY2(item->toolTip().size() > 10, qPrintable(name));
+      ++items;
+    }
+  }
+  QVERIFY(items >= 18);
+}
+
 void MainMenuTest::shortcutsDoNotClash() {
   Main main;
   QSet<QKeySequence> seen;
   for (const QAction* entry : main.window.menuBar()->actions()) {
     seen << QKeySequence(Qt::ALT | Qt::Key(mnemonicOf(entry->text()).toUpper().unicode()));
   }
-  QCOMPARE(seen.size(), 4);
+  QCOMPARE(seen.size(), 5);
   for (const QAction* action : main.window.findChildren<QAction*>()) {
     for (const QKeySequence& shortcut : action->shortcuts()) {
       QVERIFY2(!seen.contains(shortcut), qPrintable(shortcut.toString()));
@@ -154,6 +176,11 @@ void MainMenuTest::shortcutsDoNotClash() {
   QCOMPARE(main.item("menuStart").shortcut(), QKeySequence("F5"));
   QCOMPARE(main.item("menuStop").shortcut(), QKeySequence("Shift+F5"));
   QCOMPARE(main.item("menuExit").shortcut(), QKeySequence("Ctrl+Q"));
+  QCOMPARE(main.item("menuSavePicture").shortcut(), QKeySequence("Ctrl+Shift+S"));
+  QCOMPARE(main.item("menuCopyPicture").shortcut(), QKeySequence("Ctrl+C"));
+  QCOMPARE(main.item("menuCopyData").shortcut(), QKeySequence("Ctrl+Shift+C"));
+  QCOMPARE(main.item("menuPrint").shortcut(), QKeySequence("Ctrl+P"));
+  QCOMPARE(main.item("menuUserGuide").shortcut(), QKeySequence("F1"));
 }
 
 void MainMenuTest::initialStates() {
@@ -169,7 +196,7 @@ void MainMenuTest::initialStates() {
     QVERIFY(!action->isChecked());
     QCOMPARE(action->isCheckable(), checkItems.contains(action->objectName()));
   }
-  QCOMPARE(items, 13);
+  QCOMPARE(items, 19);
 }
 
 void MainMenuTest::acquisitionChangesStates() {
@@ -177,15 +204,18 @@ void MainMenuTest::acquisitionChangesStates() {
   const auto states = [&main] {
     QList<bool> enabled;
     for (const char* name : {"menuStart", "menuStop", "menuFreeRun", "menuProperties", "menuComs",
-                             "menuOpen", "menuSave", "menuGraphFont"}) {
+                             "menuOpen", "menuSave", "menuGraphFont", "menuSavePicture",
+                             "menuCopyPicture", "menuCopyData", "menuPrint"}) {
       enabled << main.item(name).isEnabled();
     }
     return enabled;
   };
   main.window.showAcquisitionStarted();
-  QCOMPARE(states(), (QList<bool>{false, true, false, false, false, true, true, true}));
+  QCOMPARE(states(), (QList<bool>{false, true, false, false, false, true, true, true, true, true,
+                                  true, true}));
   main.window.showAcquisitionStopped();
-  QCOMPARE(states(), (QList<bool>{true, false, true, true, true, true, true, true}));
+  QCOMPARE(states(),
+           (QList<bool>{true, false, true, true, true, true, true, true, true, true, true, true}));
 }
 
 void MainMenuTest::startAndStop() {
@@ -450,7 +480,7 @@ void MainMenuTest::shortcutsWorkFromTheReadouts() {
 
 void MainMenuTest::unloadEndsTheSession() {
   Main main;
-  QVERIFY_EXCEPTION_THROWN(MainWindow::unload(), ProgramEnded);
+  QVERIFY_THROWS_EXCEPTION(ProgramEnded, MainWindow::unload());
   QCOMPARE(main.world.programEnd.ends, 1);
   QCOMPARE(main.world.gpib.calls.back(), std::string("ibonl 7 0"));
   QVERIFY(main.world.dialogs.questions.empty());

@@ -6,7 +6,9 @@
 #include <QTimer>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
+#include "Contrast.h"
 #include "WindowTest.h"
 #include "profile/MeasurementSettings.h"
 #include "profile/ProfileGraph.h"
@@ -107,20 +109,6 @@ struct Main {
   }
 };
 
-double luminance(const QColor& colour) {
-  const auto linear = [](double part) {
-    return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-  };
-  return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
-         0.0722 * linear(colour.blueF());
-}
-
-double contrast(const QColor& one, const QColor& other) {
-  const double a = luminance(one);
-  const double b = luminance(other);
-  return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
-}
-
 QColor toQt(Colour colour) { return QColor(colour.red, colour.green, colour.blue); }
 
 }  // namespace
@@ -137,6 +125,8 @@ class MainWindowTest : public QObject {
   void captionsChangeWidth();
   void rateIsShownAndReset();
   void bigAndSmallFonts();
+  void noFontCutsALabel_data();
+  void noFontCutsALabel();
   void fontCommand();
   void fontCommandCancelled();
   void manyQueuedResizes();
@@ -227,6 +217,50 @@ void MainWindowTest::bigAndSmallFonts() {
     main.checkLayout();
   }
   QCOMPARE(main.window.minimumSize(), QSize(480, 360));
+}
+
+void MainWindowTest::noFontCutsALabel_data() {
+  QTest::addColumn<QSize>("size");
+  // The window grows to what a font needs, as far as its screen allows.
+  for (const QSize size :
+       {QSize(480, 360), QSize(641, 479), QSize(800, 775), QSize(1280, 1024), QSize(3840, 2160)}) {
+    QTest::addRow("%d x %d", size.width(), size.height()) << size;
+  }
+}
+
+void MainWindowTest::noFontCutsALabel() {
+  QFETCH(QSize, size);
+  Main main;
+  const std::pair<GraphLabel, const char*> longest[] = {{GraphLabel::reference, "Ref: -188.88 dBm"},
+                                                        {GraphLabel::scale, "Scale: 88.88 dB"},
+                                                        {GraphLabel::start, "-888.888ms"},
+                                                        {GraphLabel::capture, "888.888ms"},
+                                                        {GraphLabel::stop, "-888.888ms"}};
+  QFont font = main.label("lblRef").font();
+  for (const char* family : {"DejaVu Sans", "DejaVu Serif", "DejaVu Sans Mono"}) {
+    font.setFamily(family);
+    for (const bool bold : {false, true}) {
+      font.setBold(bold);
+      for (int points = 6; points <= 48; points += points < 12 ? 1 : 6) {
+        font.setPointSize(points);
+        main.setFont(font);
+        main.resize(size.width(), size.height());
+        for (const auto& [label, caption] : longest) main.window.setGraphLabel(label, caption);
+        main.checkRoom(main.window.centralWidget()->size());
+        if (QTest::currentTestFailed()) {
+          qWarning("%s %d pt%s", family, points, bold ? " bold" : "");
+          return;
+        }
+        for (const char* name : {"lblRef", "lblscale", "lblStart", "lblCapture", "lblStop"}) {
+          const QLabel& label = main.label(name);
+          const QRect text = label.fontMetrics().boundingRect(QRect(), 0, label.text());
+          QVERIFY(label.contentsRect().width() >= text.width());
+          QVERIFY(label.contentsRect().height() >= label.fontMetrics().height());
+        }
+        QVERIFY(main.part("GraphPic").height() >= 100);
+      }
+    }
+  }
 }
 
 void MainWindowTest::fontCommand() {
@@ -370,7 +404,9 @@ void MainWindowTest::coloursHaveContrast() {
   QVERIFY(contrast(look::gateLine, look::graphBackground) >= 4.5);
   QVERIFY(contrast(look::fenceLine, look::graphBackground) >= 4.5);
   QVERIFY(contrast(look::edgeLabelText, look::edgeLabelGround) >= 4.5);
-  QVERIFY(contrast(look::focusFrame, look::surround) >= 4.5);
+  for (const QColor& ground : {look::surround, look::graphBackground}) {
+    QVERIFY(contrast(look::focusFrame, ground) >= 4.5);
+  }
   Main main;
   const QLabel& label = main.label("lblRef");
   QCOMPARE(label.palette().color(QPalette::WindowText), look::label);

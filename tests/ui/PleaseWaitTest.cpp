@@ -1,4 +1,5 @@
 #include <QLabel>
+#include <QProgressBar>
 #include <QWindow>
 
 #include "WindowTest.h"
@@ -25,6 +26,7 @@ class PleaseWaitTest : public QObject {
   Q_OBJECT
 
   static QWidget& window() { return *windowNamed("frmPleaseWait"); }
+  static QProgressBar& bar() { return *window().findChild<QProgressBar*>("barDone"); }
   static QLabel& message() { return *window().findChild<QLabel*>("lblMessage"); }
 
  private slots:
@@ -37,6 +39,11 @@ class PleaseWaitTest : public QObject {
   void closedByTheUser();
   void showAfterADelay();
   void delayIsCancelled();
+  void barGrows();
+  void barIsPaintedAtOnce();
+  void barRunsWithoutEndWhileNobodyKnows();
+  void barIsEmptyAgain();
+  void barOfAHiddenWindow();
 };
 
 void PleaseWaitTest::buildsNothingBeforeItIsShown() {
@@ -149,6 +156,67 @@ void PleaseWaitTest::delayIsCancelled() {
   wait.show("Please Wait... Going to PulseMod...");
   QTest::qWait(60);
   QCOMPARE(message().text(), "Please Wait... Going to PulseMod...");
+}
+
+void PleaseWaitTest::barGrows() {
+  PleaseWait wait;
+  wait.show("Please Wait... Setting Active Channel...");
+  QVERIFY(bar().isVisible());
+  QCOMPARE(bar().value(), 0);
+  QVERIFY(bar().maximum() > 0);
+  const QSize size = window().size();
+  for (int done = 0; done <= 49; ++done) {
+    wait.setDone(done, 49);
+    QCOMPARE(bar().value(), done);
+    QCOMPARE(bar().maximum(), 49);
+  }
+  QCOMPARE(window().size(), size);
+  QCOMPARE(bar().accessibleName(), "Progress");
+  QVERIFY(bar().width() >= message().width());
+}
+
+void PleaseWaitTest::barIsPaintedAtOnce() {
+  PleaseWait wait;
+  wait.show("Please Wait... Setting Active Channel...");
+  PaintCounter counter;
+  bar().installEventFilter(&counter);
+  wait.setDone(0, 5);
+  QVERIFY(counter.paints > 0);
+  counter.paints = 0;
+  for (int done = 1; done <= 5; ++done) wait.setDone(done, 5);
+  QCOMPARE(counter.paints, 5);
+  wait.setDone(5, 5);
+  QCOMPARE(counter.paints, 5);
+}
+
+void PleaseWaitTest::barRunsWithoutEndWhileNobodyKnows() {
+  PleaseWait wait;
+  wait.showAfter(10, "Please Wait... Reading Power Meter Identity...");
+  QTRY_VERIFY(windowNamed("frmPleaseWait") != nullptr && window().isVisible());
+  QCOMPARE(bar().minimum(), 0);
+  QCOMPARE(bar().maximum(), 0);
+}
+
+void PleaseWaitTest::barIsEmptyAgain() {
+  PleaseWait wait;
+  wait.show("Please Wait... Configuring...CCDFsetting");
+  wait.setDone(10, 10);
+  wait.hide();
+  wait.show("Please Wait... Setting Active Channel...");
+  QCOMPARE(bar().value(), 0);
+  QVERIFY(bar().maximum() > 0);
+}
+
+void PleaseWaitTest::barOfAHiddenWindow() {
+  PleaseWait wait;
+  wait.setDone(1, 10);
+  QCOMPARE(windowNamed("frmPleaseWait"), nullptr);
+  wait.show("Please Wait... Setting Active Channel...");
+  window().close();
+  wait.setDone(2, 10);
+  QVERIFY(!window().isVisible());
+  wait.show("Please Wait... Setting Active Channel...");
+  QCOMPARE(bar().value(), 0);
 }
 
 QTEST_MAIN(PleaseWaitTest)

@@ -20,13 +20,24 @@ class ProfileLayoutTest : public QObject {
       for (int j = i + 1; j < parts.size(); ++j) QVERIFY(!parts[i].intersects(parts[j]));
     }
   }
+  static void nothingIsCut(const ProfileLayout& layout, const ProfileLabelSizes& labels) {
+    for (const auto& [place, size] :
+         {std::pair{layout.reference, labels.reference}, std::pair{layout.rate, labels.rate},
+          std::pair{layout.scale, labels.scale}, std::pair{layout.start, labels.start},
+          std::pair{layout.capture, labels.capture}, std::pair{layout.stop, labels.stop}}) {
+      QVERIFY(place.width() >= size.width());
+      QVERIFY(place.height() >= size.height());
+    }
+  }
 
  private slots:
   void formulas_data();
   void formulas();
   void rateMakesRoom();
   void smallestAreaHoldsAll();
-  void tooWideCaptionsAreCut();
+  void labelsStandUnderEachOther();
+  void labelsThatJustFitStandSideBySide();
+  void onlyCaptionsWiderThanTheWindowAreCut();
   void flatAreaHasNoNegativeGraph();
 };
 
@@ -78,25 +89,58 @@ void ProfileLayoutTest::smallestAreaHoldsAll() {
   cases << ProfileLabelSizes{{600, 80}, {130, 20}, {500, 80}, {300, 80}, {301, 80}, {299, 80}};
   cases << ProfileLabelSizes{{60, 10}, {400, 20}, {50, 10}, {31, 10}, {33, 10}, {77, 10}};
   for (const ProfileLabelSizes& labels : cases) {
-    const QSize area = smallestProfileArea(labels);
-    const ProfileLayout layout = layOutProfile(area, labels);
-    nothingOverlaps(area, layout);
-    QVERIFY(layout.graph.height() >= 100);
+    for (const int widest : {3840, 1100, 610, 601, 600}) {
+      const QSize area = smallestProfileArea(labels, widest);
+      QVERIFY(area.width() <= widest);
+      const ProfileLayout layout = layOutProfile(area, labels);
+      nothingOverlaps(area, layout);
+      nothingIsCut(layout, labels);
+      QVERIFY(layout.graph.height() >= 100);
+    }
   }
 }
 
-void ProfileLayoutTest::tooWideCaptionsAreCut() {
-  const QSize area(480, 335);
-  QList<ProfileLabelSizes> cases;
-  cases << ProfileLabelSizes{{600, 40}, {130, 20}, {500, 40}, {300, 40}, {301, 40}, {299, 40}};
-  cases << ProfileLabelSizes{{100, 40}, {500, 20}, {500, 40}, {20, 40}, {30, 40}, {299, 40}};
-  cases << ProfileLabelSizes{{600, 40}, {130, 20}, {100, 40}, {299, 40}, {30, 40}, {20, 40}};
-  for (const ProfileLabelSizes& labels : cases) {
-    const ProfileLayout layout = layOutProfile(area, labels);
-    nothingOverlaps(area, layout);
-    QCOMPARE(layout.reference.width() + layout.scale.width(), 480);
-    QCOMPARE(layout.stop.right(), 479);
-  }
+void ProfileLayoutTest::labelsStandUnderEachOther() {
+  const ProfileLabelSizes labels{{300, 40}, {130, 20}, {200, 30}, {220, 40}, {230, 36}, {240, 44}};
+  const QSize area(480, 500);
+  const ProfileLayout layout = layOutProfile(area, labels);
+  nothingOverlaps(area, layout);
+  QCOMPARE(layout.rate, QRect(240 - 65, 1, 130, 20));
+  QCOMPARE(layout.reference, QRect(0, 21, 300, 40));
+  QCOMPARE(layout.scale, QRect(280, 61, 200, 30));
+  QCOMPARE(layout.graph, QRect(0, 91, 480, 500 - 91 - 44 - 36));
+  QCOMPARE(layout.start, QRect(0, 420, 220, 44));
+  QCOMPARE(layout.stop, QRect(240, 420, 240, 44));
+  QCOMPARE(layout.capture, QRect(125, 464, 230, 36));
+  // Narrower still.
+  const ProfileLayout narrow = layOutProfile({459, 500}, labels);
+  nothingOverlaps({459, 500}, narrow);
+  QCOMPARE(narrow.start, QRect(0, 380, 220, 40));
+  QCOMPARE(narrow.stop, QRect(219, 420, 240, 44));
+  QCOMPARE(narrow.capture, QRect(114, 464, 230, 36));
+}
+
+void ProfileLayoutTest::labelsThatJustFitStandSideBySide() {
+  const ProfileLabelSizes labels{{280, 40}, {130, 20}, {200, 30}, {140, 40}, {180, 36}, {150, 44}};
+  const ProfileLayout layout = layOutProfile({480, 500}, labels);
+  QCOMPARE(layout.reference.top(), layout.scale.top());
+  QCOMPARE(layout.start.top(), layout.capture.top());
+  QCOMPARE(layout.start.top(), layout.stop.top());
+  const ProfileLayout narrow = layOutProfile({479, 500}, labels);
+  QVERIFY(narrow.reference.bottom() < narrow.scale.top());
+  QVERIFY(narrow.start.bottom() < narrow.capture.top());
+}
+
+void ProfileLayoutTest::onlyCaptionsWiderThanTheWindowAreCut() {
+  const QSize area(480, 600);
+  const ProfileLabelSizes labels{{600, 40}, {130, 20}, {500, 40}, {490, 40}, {301, 40}, {299, 40}};
+  const ProfileLayout layout = layOutProfile(area, labels);
+  nothingOverlaps(area, layout);
+  QCOMPARE(layout.reference.width(), 480);
+  QCOMPARE(layout.scale, QRect(0, 61, 480, 40));
+  QCOMPARE(layout.start.width(), 480);
+  QCOMPARE(layout.capture.width(), 301);
+  QCOMPARE(layout.stop.width(), 299);
 }
 
 void ProfileLayoutTest::flatAreaHasNoNegativeGraph() {

@@ -156,7 +156,7 @@ void WindowsTest::startUpToTheCCDFWindow() {
     });
   });
   // The loop opens stopped, and no event ever comes.
-  QVERIFY_EXCEPTION_THROWN(StartUp(windows), WaitsForEver);
+  QVERIFY_THROWS_EXCEPTION(WaitsForEver, StartUp(windows));
   QCOMPARE(world.meter.received, ccdfTranscript(true));
   const QWidget* ccdf = windowNamed("frmCCDF");
   QVERIFY(ccdf->isVisible());

@@ -1,0 +1,122 @@
+#include <QAction>
+#include <QDir>
+#include <QFile>
+#include <QMap>
+#include <QMenu>
+#include <QMenuBar>
+#include <QRegularExpression>
+#include <QSet>
+
+#include "CCDFWindowBench.h"
+#include "PictureBench.h"
+#include "ui/GuideWindow.h"
+
+using namespace pulsemod;
+using namespace pulsemod::test;
+
+namespace {
+
+/// Keys and the caption of their item, without what a caption has for its menu alone.
+using Shortcuts = QMap<QString, QString>;
+
+constexpr auto sourceTree = PULSEMOD_SOURCE;
+
+QString textOf(const QString& name) {
+  QFile file(QDir(sourceTree).filePath(name));
+  return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+/// The first group of each match.
+QStringList allOf(const QString& text, const char* pattern) {
+  QStringList found;
+  auto matches = QRegularExpression(QLatin1String(pattern), QRegularExpression::MultilineOption)
+                     .globalMatch(text);
+  while (matches.hasNext()) found << matches.next().captured(1);
+  return found;
+}
+
+Shortcuts shortcutsOf(const QMainWindow& window) {
+  Shortcuts shortcuts;
+  for (const QAction* entry : window.menuBar()->actions()) {
+    for (const QAction* item : entry->menu()->actions()) {
+      QString caption = item->text();
+      caption.remove('&').remove("...");
+      for (const QKeySequence& keys : item->shortcuts()) {
+        shortcuts[keys.toString(QKeySequence::PortableText)] = caption;
+      }
+    }
+  }
+  return shortcuts;
+}
+
+/// A column of the guide's table of the menus' keys.
+Shortcuts shortcutsInGuide(int column) {
+  Shortcuts shortcuts;
+  bool inTable = false;
+  for (const QString& line : textOf("docs/user-guide.md").split('\n')) {
+    if (!line.startsWith('|')) {
+      inTable = false;
+      continue;
+    }
+    const QStringList cells = line.split('|');
+    if (cells.value(1).trimmed() == "Keys") {
+      inTable = true;
+      continue;
+    }
+    const QString caption = cells.value(column + 1).trimmed();
+    if (inTable && !caption.isEmpty() && !caption.startsWith("---")) {
+      shortcuts[cells.value(1).trimmed()] = caption;
+    }
+  }
+  return shortcuts;
+}
+
+}  // namespace
+
+/// The guide agrees with the program, with its pictures and with itself.
+class GuideTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void tableHasTheKeysOfTheProfileView();
+  void tableHasTheKeysOfTheCCDFView();
+  void pictures();
+  void linksLeadToHeadings();
+};
+
+void GuideTest::tableHasTheKeysOfTheProfileView() {
+  PictureBench bench;
+  QVERIFY(shortcutsOf(bench.window).size() > 15);
+  QCOMPARE(shortcutsInGuide(1), shortcutsOf(bench.window));
+}
+
+void GuideTest::tableHasTheKeysOfTheCCDFView() {
+  CCDFBench bench;
+  QVERIFY(shortcutsOf(bench.window).size() > 10);
+  QCOMPARE(shortcutsInGuide(2), shortcutsOf(bench.window));
+}
+
+/// Each that is named is there, and each that is there is shown.
+void GuideTest::pictures() {
+  const QStringList named =
+      allOf(textOf("docs/user-guide.md"), R"(^!\[[^\]]+\]\(pictures/(.*)\)$)");
+  const QStringList stored =
+      QDir(QDir(sourceTree).filePath("docs/pictures")).entryList(QDir::Files);
+  QVERIFY(!stored.isEmpty());
+  QCOMPARE(QSet<QString>(named.begin(), named.end()), QSet<QString>(stored.begin(), stored.end()));
+}
+
+void GuideTest::linksLeadToHeadings() {
+  const QString guide = textOf("docs/user-guide.md");
+  QSet<QString> anchors;
+  for (const QString& heading : allOf(guide, "^#+ (.*)$")) {
+    QVERIFY2(!anchors.contains(headingAnchor(heading)), qPrintable(heading));
+    anchors << headingAnchor(heading);
+  }
+  const QStringList links = allOf(guide, R"(\]\(#([^)]*)\))");
+  QVERIFY(!links.isEmpty());
+  for (const QString& link : links) QVERIFY2(anchors.contains(link), qPrintable(link));
+}
+
+QTEST_MAIN(GuideTest)
+#include "GuideTest.moc"
