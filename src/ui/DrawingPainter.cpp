@@ -247,7 +247,8 @@ void DrawingPainter::paintLines(QPainter& painter, const PictureScale& scale,
     if (area_.surface == Surface::vector) {
       paintLine(painter, line, place.x());
     } else {
-      paintLine(painter, line, pixel.x() + penWidth_ / 2);
+      const int middle = penWidth_ / 2;
+      paintLine(painter, line, pixel.x() + middle);
     }
   }
 }
