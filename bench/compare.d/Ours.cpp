@@ -19,6 +19,7 @@
 #include "profile/MeasurementSettings.h"
 #include "profile/ProfileGraph.h"
 #include "startup/ReadMeterConfig.h"
+#include "ui/GraphWidget.h"
 #include "ui/MainWindow.h"
 #include "ui/PleaseWait.h"
 
@@ -78,31 +79,25 @@ int main(int argc, char** argv) {
 
   MainWindow window([] {});
   const ProfileViewGuard view(window);
-  QWidget* const graph = window.findChild<QWidget*>("GraphPic");
+  auto* const graph = window.findChild<GraphWidget*>("GraphPic");
+  // Each one, also those that a screen would never show.
+  graph->setPaintInterval(0);
   bench::showWithGraph(window, *graph);
   if (graph->size() != graphSize) return 1;
   const PaintCount paints(*graph);
 
-  // A screen that shows 60 pictures a second would never show each of these.
-  const auto paintIfNotYet = [&](int painted) {
-    if (paints.paints() == painted) graph->repaint();
-  };
   if (arguments.is("redraw")) {
     measure(*graph, paints, arguments.passes, [&](int pass) {
       const Levels& now = levels[static_cast<std::size_t>(pass % frameCount)];
       std::copy(now.begin(), now.end(), ProfileTrace.begin());
-      const int painted = paints.paints();
       RedrawProfile();
       QCoreApplication::processEvents();
-      paintIfNotYet(painted);
     });
   } else if (arguments.is("pass")) {
     beginAcquisition();
     measure(*graph, paints, arguments.passes, [&](int /*pass*/) {
-      const int painted = paints.paints();
       AcquireProfile();
       if (ProfileReadFailed || AcquisitionRunning == False16) std::_Exit(1);
-      paintIfNotYet(painted);
     });
   } else {
     Arguments::refuse();

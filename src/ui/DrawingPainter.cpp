@@ -5,6 +5,7 @@
 #include <QRectF>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace pulsemod {
@@ -106,6 +107,68 @@ void DrawingPainter::paintSteps(QPainter& painter, const Drawing& drawing, std::
   }
 }
 
+QRect DrawingPainter::extent(const Drawing& drawing, std::size_t first, std::size_t last,
+                             const QFont& font) {
+  const DeviceScale scale(drawing.scale, area_.size.width(), area_.size.height());
+  QRect extent;
+  for (std::size_t index = first; index < last; ++index) {
+    const DrawingStep& step = drawing.steps[index];
+    if (step.kind == DrawingStep::Kind::text) {
+      extent |= textExtent(scale, drawing, step, font);
+    } else {
+      extent |= lineExtent(scale, drawing, step);
+    }
+  }
+  return extent;
+}
+
+QRect DrawingPainter::lineExtent(const DeviceScale& scale, const Drawing& drawing,
+                                 const DrawingStep& step) const {
+  if (step.pointCount == 0) return {};
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  PicturePoint least{infinity, infinity};
+  PicturePoint most{-infinity, -infinity};
+  const PicturePoint* point = drawing.points.data() + step.firstPoint;
+  for (std::size_t index = 0; index < step.pointCount; ++index) {
+    // In this order a value that is no number changes nothing.
+    least = {std::min(least.x, point[index].x), std::min(least.y, point[index].y)};
+    most = {std::max(most.x, point[index].x), std::max(most.y, point[index].y)};
+  }
+  QPoint one;
+  QPoint other;
+  if (!scale.map(least, one) || !scale.map(most, other)) return {QPoint(), area_.size};
+  const QPoint topLeft(std::min(one.x(), other.x()), std::min(one.y(), other.y()));
+  const QPoint bottomRight(std::max(one.x(), other.x()), std::max(one.y(), other.y()));
+  return QRect(topLeft, bottomRight).adjusted(0, 0, penWidth_ - 1, penWidth_ - 1);
+}
+
+QRect DrawingPainter::textExtent(const DeviceScale& scale, const Drawing& drawing,
+                                 const DrawingStep& step, const QFont& font) {
+  QPoint pixel;
+  if (!scale.map(drawing.points[step.firstPoint], pixel)) return {};
+  QStaticText& text = preparedText(drawing, step);
+  text.prepare(QTransform(), font);
+  // Letters may hang over the sides.
+  const QSizeF size = text.size() * area_.ratio;
+  const double overhang = size.height() / 2;
+  return QRectF(pixel, size).adjusted(-overhang, 0, overhang, 0).toAlignedRect();
+}
+
+QRect DrawingPainter::lineExtent(const PictureScale& scale, const VerticalLine& line) const {
+  const std::optional<int> column = firstColumn(scale, line);
+  return column ? QRect(*column, 0, penWidth_, area_.size.height()) : QRect();
+}
+
+std::optional<int> DrawingPainter::firstColumn(const PictureScale& scale,
+                                               const VerticalLine& line) const {
+  const int width = area_.size.width();
+  QPoint pixel;
+  if (!DeviceScale(scale, width, area_.size.height()).map({line.x, scale.top}, pixel)) return {};
+  if (pixel.x() < 0 || pixel.x() > width) return {};
+  // The right edge itself lies beside the last pixel.
+  return pixel.x() == width ? width - penWidth_ : pixel.x();
+}
+
 bool DrawingPainter::isExact(const DrawingStep& step) const {
   if (area_.surface == Surface::vector) return true;
   return area_.surface == Surface::image && step.kind == DrawingStep::Kind::polyline;
@@ -195,10 +258,7 @@ void DrawingPainter::paintExactRun(QPainter& painter, const QColor& colour) {
   paintInside();
 }
 
-void DrawingPainter::paintText(QPainter& painter, const DeviceScale& scale, const Drawing& drawing,
-                               const DrawingStep& step) {
-  QPoint pixel;
-  if (!scale.map(drawing.points[step.firstPoint], pixel)) return;
+QStaticText& DrawingPainter::preparedText(const Drawing& drawing, const DrawingStep& step) {
   if (preparedTexts_.size() <= step.text) preparedTexts_.resize(step.text + 1);
   PreparedText& prepared = preparedTexts_[step.text];
   if (prepared.source != drawing.texts[step.text]) {
@@ -206,10 +266,18 @@ void DrawingPainter::paintText(QPainter& painter, const DeviceScale& scale, cons
     prepared.text.setTextFormat(Qt::PlainText);
     prepared.text.setText(QString::fromStdString(prepared.source));
   }
+  return prepared.text;
+}
+
+void DrawingPainter::paintText(QPainter& painter, const DeviceScale& scale, const Drawing& drawing,
+                               const DrawingStep& step) {
+  QPoint pixel;
+  if (!scale.map(drawing.points[step.firstPoint], pixel)) return;
+  QStaticText& text = preparedText(drawing, step);
   QPointF place = pixel;
   if (area_.surface != Surface::screen) {
-    prepared.text.prepare(QTransform(), painter.font());
-    const QSizeF size = prepared.text.size() * area_.ratio;
+    text.prepare(QTransform(), painter.font());
+    const QSizeF size = text.size() * area_.ratio;
     const double hangs = drawing.textHeightShare * area_.size.height();
     const QRectF textAndOwner = QRectF(place, size).adjusted(0, -hangs, 0, 0);
     if (!QRectF(QPointF(), area_.size).intersects(textAndOwner)) return;
@@ -217,12 +285,12 @@ void DrawingPainter::paintText(QPainter& painter, const DeviceScale& scale, cons
   }
   painter.setPen(toQt(step.colour));
   if (area_.ratio == 1) {
-    painter.drawStaticText(place, prepared.text);
+    painter.drawStaticText(place, text);
     return;
   }
   const QTransform devicePixels = painter.worldTransform();
   painter.setWorldTransform(QTransform::fromScale(area_.ratio, area_.ratio) * devicePixels);
-  painter.drawStaticText(place / area_.ratio, prepared.text);
+  painter.drawStaticText(place / area_.ratio, text);
   painter.setWorldTransform(devicePixels);
 }
 
@@ -237,19 +305,11 @@ void DrawingPainter::paintLines(QPainter& painter, const PictureScale& scale,
                                 const std::vector<VerticalLine>& lines) {
   const DeviceScale device(scale, area_.size.width(), area_.size.height());
   for (const VerticalLine& line : lines) {
-    QPoint pixel;
-    QPointF place;
-    const PicturePoint top{line.x, scale.top};
-    if (!device.map(top, pixel) || !device.map(top, place)) continue;
-    if (pixel.x() < 0 || pixel.x() > area_.size.width()) continue;
-    // The right edge itself lies beside the last pixel.
-    if (pixel.x() == area_.size.width()) pixel.rx() -= penWidth_;
-    if (area_.surface == Surface::vector) {
-      paintLine(painter, line, place.x());
-    } else {
-      const int middle = penWidth_ / 2;
-      paintLine(painter, line, pixel.x() + middle);
-    }
+    const std::optional<int> column = firstColumn(scale, line);
+    if (!column) continue;
+    QPointF place(*column + penWidth_ / 2, 0);
+    if (area_.surface == Surface::vector) device.map({line.x, scale.top}, place);
+    paintLine(painter, line, place.x());
   }
 }
 

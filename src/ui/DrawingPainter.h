@@ -1,12 +1,15 @@
 #pragma once
 
 #include <QColor>
+#include <QFont>
 #include <QLine>
 #include <QLineF>
 #include <QPoint>
 #include <QPointF>
+#include <QRect>
 #include <QSize>
 #include <QStaticText>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -67,10 +70,19 @@ class DrawingPainter {
   void paintLines(QPainter& painter, const PictureScale& scale,
                   const std::vector<VerticalLine>& lines);
 
+  /// No pixel of a screen outside of these is touched; empty for nothing.
+  QRect extent(const Drawing& drawing, std::size_t first, std::size_t last, const QFont& font);
+  QRect lineExtent(const PictureScale& scale, const VerticalLine& line) const;
+
   /// The font has changed.
   void forgetTexts() { preparedTexts_.clear(); }
 
  private:
+  QRect lineExtent(const DeviceScale& scale, const Drawing& drawing, const DrawingStep& step) const;
+  QRect textExtent(const DeviceScale& scale, const Drawing& drawing, const DrawingStep& step,
+                   const QFont& font);
+  /// Of a vertical line, in device pixels; nothing for one beside the area.
+  std::optional<int> firstColumn(const PictureScale& scale, const VerticalLine& line) const;
   bool isExact(const DrawingStep& step) const;
   void paintRounded(QPainter& painter, const DeviceScale& scale, const Drawing& drawing,
                     const DrawingStep& step);
@@ -78,12 +90,12 @@ class DrawingPainter {
                   const DrawingStep& step);
   void paintRun(QPainter& painter, const QColor& colour);
   void paintExactRun(QPainter& painter, const QColor& colour);
+  QStaticText& preparedText(const Drawing& drawing, const DrawingStep& step);
   void paintText(QPainter& painter, const DeviceScale& scale, const Drawing& drawing,
                  const DrawingStep& step);
   void paintLine(QPainter& painter, const VerticalLine& line, double x);
   double lineWidth() const;
   QPointF keptInside(const QPointF& place, const QSizeF& size) const;
-
   SurfaceArea area_;
   int penWidth_ = 1;
 

@@ -19,9 +19,6 @@ namespace pulsemod {
 
 namespace {
 
-/// No screen shows more than 60 pictures a second.
-constexpr int paintIntervalMs = 16;
-
 /// An event after which the release of a button goes elsewhere.
 bool losesMouse(QEvent::Type type) {
   return type == QEvent::WindowDeactivate || type == QEvent::WindowBlocked || type == QEvent::Hide;
@@ -41,23 +38,48 @@ GraphWidget::GraphWidget(QWidget* parent)
   setAttribute(Qt::WA_OpaquePaintEvent);
   paintTimer_.setSingleShot(true);
   paintTimer_.setTimerType(Qt::PreciseTimer);
-  paintTimer_.callOnTimeout(this, [this] { update(); });
+  paintTimer_.callOnTimeout(this, [this] { paintStale(); });
 }
 
 void GraphWidget::paintInTime() {
+  prepareSurface();
+  if (!sameBackground(recorder_.shown(), backgroundDrawing_)) backgroundIsStale_ = true;
+  const QRect before = foreground_;
+  foreground_ = foregroundExtent();
+  const bool allIsStale = backgroundIsStale_ || foregroundSize_ != deviceSize();
+  foregroundSize_ = deviceSize();
+  stale_ |= allIsStale ? rect() : before | foreground_;
+
   // Read once: it runs on, and a timer takes no negative time.
-  const qint64 elapsed = sincePaint_.isValid() ? sincePaint_.elapsed() : paintIntervalMs;
-  if (elapsed >= paintIntervalMs) {
-    update();
+  const qint64 elapsed = sincePaint_.isValid() ? sincePaint_.elapsed() : paintInterval_;
+  if (elapsed >= paintInterval_) {
+    paintStale();
   } else if (!paintTimer_.isActive()) {
-    paintTimer_.start(static_cast<int>(paintIntervalMs - elapsed));
+    paintTimer_.start(static_cast<int>(paintInterval_ - elapsed));
   }
+}
+
+void GraphWidget::paintStale() {
+  paintTimer_.stop();
+  update(std::exchange(stale_, {}));
 }
 
 void GraphWidget::placeLines(std::vector<VerticalLine> lines) {
   if (lines == lines_) return;
+  prepareSurface();
+  QRect changed;
+  const auto addOthers = [&](const std::vector<VerticalLine>& some,
+                             const std::vector<VerticalLine>& kept) {
+    for (const VerticalLine& line : some) {
+      if (std::find(kept.begin(), kept.end(), line) == kept.end()) changed |= lineExtent(line);
+    }
+  };
+  addOthers(lines_, lines);
+  addOthers(lines, lines_);
   lines_ = std::move(lines);
-  update();
+  // What is left of a wide line that is cut may stand a pixel beside the rest.
+  if (devicePixelRatioF() > 1 && changed.intersects(foreground_)) changed |= foreground_;
+  update(changed);
 }
 
 void GraphWidget::setSizingPointer(bool sizing) {
@@ -224,25 +246,57 @@ void GraphWidget::endMousePress() {
 void GraphWidget::changeEvent(QEvent* event) {
   if (event->type() == QEvent::FontChange) {
     backgroundIsStale_ = true;
+    foregroundSize_ = {};
     painting_.forgetTexts();
     update();
   }
   QWidget::changeEvent(event);
 }
 
+void GraphWidget::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  // What it covered now stands elsewhere.
+  if (!stale_.isEmpty()) stale_ = rect();
+}
+
 double GraphWidget::textHeightShare() const {
   return static_cast<double>(fontMetrics().height()) / std::max(1, height());
 }
 
+QSize GraphWidget::deviceSize() const {
+  const double ratio = devicePixelRatioF();
+  return {static_cast<int>(std::ceil(width() * ratio)),
+          static_cast<int>(std::ceil(height() * ratio))};
+}
+
+void GraphWidget::prepareSurface() {
+  painting_.setArea({deviceSize(), devicePixelRatioF(), Surface::screen});
+}
+
+QRect GraphWidget::foregroundExtent() {
+  const Drawing& drawing = recorder_.shown();
+  return widgetPixels(
+      painting_.extent(drawing, drawing.backgroundSteps, drawing.steps.size(), font()));
+}
+
+QRect GraphWidget::lineExtent(const VerticalLine& line) const {
+  return widgetPixels(painting_.lineExtent(recorder_.shown().scale, line));
+}
+
+QRect GraphWidget::widgetPixels(const QRect& devicePixels) const {
+  if (devicePixels.isEmpty()) return {};
+  const double ratio = devicePixelRatioF();
+  const QRectF exact(QPointF(devicePixels.topLeft()) / ratio, QSizeF(devicePixels.size()) / ratio);
+  // At a broken ratio the widget itself may begin between two device pixels.
+  return exact.toAlignedRect().adjusted(-1, -1, 1, 1) & rect();
+}
+
 void GraphWidget::paintEvent(QPaintEvent* /*event*/) {
   sincePaint_.start();
-  paintTimer_.stop();
-  const double ratio = devicePixelRatioF();
-  const QSize deviceSize(static_cast<int>(std::ceil(width() * ratio)),
-                         static_cast<int>(std::ceil(height() * ratio)));
-  painting_.setArea({deviceSize, ratio, Surface::screen});
-  prepareBackground(deviceSize);
+  prepareSurface();
+  prepareBackground();
 
+  const double ratio = devicePixelRatioF();
   const Drawing& drawing = recorder_.shown();
   QPainter painter(this);
   // At a broken ratio the widget may begin and end between two device pixels.
@@ -258,13 +312,11 @@ void GraphWidget::paintEvent(QPaintEvent* /*event*/) {
   }
 }
 
-void GraphWidget::prepareBackground(const QSize& deviceSize) {
+void GraphWidget::prepareBackground() {
   const Drawing& drawing = recorder_.shown();
-  if (!backgroundIsStale_ && background_.size() == deviceSize &&
-      sameBackground(drawing, backgroundDrawing_)) {
-    return;
-  }
-  if (background_.size() != deviceSize) background_ = QPixmap(deviceSize);
+  const QSize size = deviceSize();
+  if (!backgroundIsStale_ && background_.size() == size) return;
+  if (background_.size() != size) background_ = QPixmap(size);
   background_.fill(look::graphBackground);
   QPainter painter(&background_);
   painter.setFont(font());

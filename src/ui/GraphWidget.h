@@ -3,6 +3,8 @@
 #include <QElapsedTimer>
 #include <QPixmap>
 #include <QPoint>
+#include <QRect>
+#include <QSize>
 #include <QTimer>
 #include <QWidget>
 #include <functional>
@@ -52,6 +54,9 @@ class GraphWidget : public QWidget {
   const std::vector<VerticalLine>& shownLines() const { return lines_; }
   /// They stay until the next call, whatever is drawn meanwhile.
   void placeLines(std::vector<VerticalLine> lines);
+  /// From one paint of new drawings to the next, in milliseconds at least. 16 unless set: no screen
+  /// shows more than 60 pictures a second.
+  void setPaintInterval(int milliseconds) { paintInterval_ = milliseconds; }
   void setMouseHandlers(GraphMouseHandlers handlers);
   /// The graph then takes the focus of the Tab key, and shows it.
   void setKeyHandlers(GraphKeyHandlers handlers);
@@ -74,6 +79,7 @@ class GraphWidget : public QWidget {
   void keyReleaseEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void changeEvent(QEvent* event) override;
 
@@ -88,10 +94,19 @@ class GraphWidget : public QWidget {
   /// When the present change of the windows is complete: the release may let events run while it
   /// tells the meter, and a window that is half hidden or half blocked cannot stand that.
   void endPressLater();
-  /// A drawing is finished: paints it, at the latest when the next picture is due.
+  /// A drawing is finished: paints what differs, at the latest when the next picture is due.
   void paintInTime();
+  void paintStale();
   double textHeightShare() const;
-  void prepareBackground(const QSize& deviceSize);
+  QSize deviceSize() const;
+  /// Tells the painter of the size and the pixels, which can change at any time.
+  void prepareSurface();
+  void prepareBackground();
+  /// All that the shown drawing has before its background, in whole pixels of this widget.
+  QRect foregroundExtent();
+  QRect lineExtent(const VerticalLine& line) const;
+  /// The device pixels and all that their edges touch.
+  QRect widgetPixels(const QRect& devicePixels) const;
 
   DrawingRecorder recorder_;
   std::vector<VerticalLine> lines_;
@@ -101,8 +116,14 @@ class GraphWidget : public QWidget {
   /// The key that moves something while it is down; 0 for none.
   int heldKey_ = 0;
 
+  int paintInterval_ = 16;
   QElapsedTimer sincePaint_;
   QTimer paintTimer_;
+  /// What has to be painted when the next picture is due.
+  QRect stale_;
+  /// Where the drawing that was shown last stands before its background, and on what size.
+  QRect foreground_;
+  QSize foregroundSize_;
 
   QPixmap background_;
   /// What `background_` shows.

@@ -1,8 +1,12 @@
 #include <QElapsedTimer>
 #include <QImage>
+#include <QPaintEvent>
 #include <QScreen>
 #include <cmath>
 #include <limits>
+#include <random>
+#include <utility>
+#include <vector>
 
 #include "WindowTest.h"
 #include "profile/MeasurementSettings.h"
@@ -37,6 +41,13 @@ struct Graph {
         {0, 0, static_cast<double>(widget.width()), static_cast<double>(widget.height())});
   }
   Picture& picture() { return widget.picture(); }
+  /// What the screen has; a grab, in contrast, paints by itself. Of a scaled widget the offscreen
+  /// platform gives as many device pixels, from the top left corner, as it has logical ones.
+  QImage screen() {
+    const QPixmap screen =
+        widget.screen()->grabWindow(widget.winId(), 0, 0, widget.width(), widget.height());
+    return screen.toImage().convertToFormat(QImage::Format_RGB32);
+  }
   QImage image() { return widget.grab().toImage().convertToFormat(QImage::Format_RGB32); }
   double ratio() const { return widget.devicePixelRatioF(); }
   /// The first device pixel of a logical one.
@@ -87,6 +98,10 @@ class GraphWidgetTest : public QObject {
   void wildValues();
   void scaleWithoutExtent();
   void fastDrawingsAreNotAllPaintedButTheLastOneIs();
+  void whatIsTheSameIsNotPaintedAgain();
+  void screenShowsWhatAWholePaintWould();
+  void nothingIsLeftOfOtherSizesAndFonts();
+  void partlyExposedWhileAPictureIsDue();
 };
 
 /// 200 points over 2010 pixels, seen through the drawing that the program makes.
@@ -408,16 +423,156 @@ void GraphWidgetTest::fastDrawingsAreNotAllPaintedButTheLastOneIs() {
   const qint64 most = 1 + time.elapsed() / 16;
   QVERIFY2(counter.paints >= 1 && counter.paints <= most,
            qPrintable(QString::number(counter.paints)));
-  // From the screen, since a grab would paint by itself.
-  const auto onScreen = [&graph](Colour colour) {
-    const QPixmap screen = graph.widget.screen()->grabWindow(graph.widget.winId());
-    return countOf(screen.toImage().convertToFormat(QImage::Format_RGB32), rgb(colour));
-  };
+  const auto onScreen = [&graph](Colour colour) { return countOf(graph.screen(), rgb(colour)); };
   QTRY_VERIFY(onScreen(green) > 0);
   QCOMPARE(onScreen(red), 0);
   const int paints = counter.paints;
   QTest::qWait(40);
   QCOMPARE(counter.paints, paints);
+}
+
+namespace {
+
+/// The part of a widget that it was told to paint.
+struct PaintedPart : QObject {
+  explicit PaintedPart(QWidget& widget) { widget.installEventFilter(this); }
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    if (event->type() == QEvent::Paint) part |= static_cast<QPaintEvent*>(event)->rect();
+    return false;
+  }
+  QRect take() { return std::exchange(part, {}); }
+  QRect part;
+};
+
+/// But for two pixels where the device pixels do not end with one.
+bool isAbout(const QRect& painted, const QRect& expected) {
+  return painted.contains(expected) && expected.adjusted(-2, -2, 2, 2).contains(painted);
+}
+
+/// A picture interval has passed, and what was due is painted.
+void waitForPicture() { QTest::qWait(60); }
+
+}  // namespace
+
+void GraphWidgetTest::whatIsTheSameIsNotPaintedAgain() {
+  Graph graph(400, 300);
+  const auto draw = [&graph](double y, double gridY) {
+    graph.begin();
+    graph.picture().line({0, gridY}, {400, gridY}, white);
+    graph.picture().endBackground();
+    const PicturePoint trace[] = {{100, y}, {200, y + 10}, {300, y}};
+    graph.picture().polyline(trace, red);
+    graph.picture().show();
+    waitForPicture();
+  };
+  draw(50, 150);
+  PaintedPart painted(graph.widget);
+  draw(50, 150);
+  QVERIFY(isAbout(painted.take(), QRect(99, 49, 203, 13)));
+  draw(200, 150);
+  QVERIFY(isAbout(painted.take(), QRect(99, 49, 203, 163)));
+  draw(200, 160);
+  QCOMPARE(painted.take(), graph.widget.rect());
+  draw(200, 160);
+  QVERIFY(isAbout(painted.take(), QRect(99, 199, 203, 13)));
+
+  GateLineArray lines{};
+  lines[0] = {true, 40};
+  lines[2] = {true, 80};
+  graph.widget.placeLines(visibleLines(lines));
+  waitForPicture();
+  QVERIFY(isAbout(painted.take(), QRect(39, 0, 42, 300)));
+  lines[2] = {true, 90};
+  graph.widget.placeLines(visibleLines(lines));
+  waitForPicture();
+  QVERIFY(isAbout(painted.take(), QRect(79, 0, 12, 300)));
+  graph.widget.placeLines(visibleLines(lines));
+  waitForPicture();
+  QCOMPARE(painted.take(), QRect());
+}
+
+void GraphWidgetTest::screenShowsWhatAWholePaintWould() {
+  Graph graph(300, 200);
+  std::mt19937 chance(20261122);
+  const auto below = [&chance](unsigned limit) { return static_cast<double>(chance() % limit); };
+  GateLineArray lines{};
+  int gridY = 100;
+  bool changed = false;
+  for (int drawing = 0; drawing < 120; ++drawing) {
+    const QImage before = graph.screen();
+    graph.picture().clear();
+    graph.picture().setScale({0, 0, 300, 200});
+    if (drawing % 10 == 9) gridY = static_cast<int>(below(200));
+    graph.picture().line({0, 1.0 * gridY}, {300, 1.0 * gridY}, white);
+    graph.picture().endBackground();
+    std::vector<PicturePoint> trace;
+    const double start = below(300);
+    for (int point = 0; point < 40; ++point) trace.push_back({start + 2 * point, below(200)});
+    if (drawing % 7 == 3) trace[20].y = std::numeric_limits<double>::quiet_NaN();
+    graph.picture().polyline(trace, red);
+    graph.picture().text({below(300), below(200)}, drawing % 3 == 0 ? "1" : "fjg", green);
+    graph.picture().show();
+    lines[static_cast<std::size_t>(drawing % 8)] = {drawing % 5 != 0, below(310) - 5};
+    graph.widget.placeLines(visibleLines(lines));
+    if (drawing % 13 == 5) {
+      QFont font = graph.widget.font();
+      font.setItalic(!font.italic());
+      font.setPixelSize(drawing % 2 == 0 ? 10 : 60);
+      graph.widget.setFont(font);
+    }
+    if (drawing % 17 == 5) graph.widget.resize(200 + static_cast<int>(below(200)), 150 + drawing);
+    // Without it two drawings are painted at once.
+    if (drawing % 4 != 0) continue;
+    const auto whole = [&graph] { return graph.image().copy(graph.screen().rect()); };
+    QTRY_COMPARE(graph.screen(), whole());
+    changed = changed || graph.screen() != before;
+  }
+  QVERIFY(changed);
+}
+
+void GraphWidgetTest::nothingIsLeftOfOtherSizesAndFonts() {
+  Graph graph(400, 100);
+  const auto draw = [&graph](PicturePoint from, PicturePoint to, const char* text) {
+    graph.picture().clear();
+    graph.picture().setScale({0, 0, 400, 400});
+    graph.picture().endBackground();
+    graph.picture().line(from, to, red);
+    graph.picture().text(from, text, green);
+    graph.picture().show();
+    waitForPicture();
+  };
+  draw({80, 40}, {180, 140}, "fjg");
+  graph.widget.resize(800, 160);
+  waitForPicture();
+  draw({10, 40}, {20, 60}, "1");
+  QTRY_COMPARE(graph.screen(), graph.image().copy(graph.screen().rect()));
+
+  draw({80, 40}, {81, 41}, "fjg");
+  QFont font = graph.widget.font();
+  font.setPixelSize(40);
+  graph.widget.setFont(font);
+  waitForPicture();
+  QVERIFY(countOf(graph.screen(), rgb(green)) > 0);
+  draw({10, 40}, {20, 60}, "");
+  QTRY_COMPARE(countOf(graph.screen(), rgb(green)), 0);
+}
+
+void GraphWidgetTest::partlyExposedWhileAPictureIsDue() {
+  Graph graph(200, 100);
+  waitForPicture();
+  const auto draw = [&graph](double y, Colour colour) {
+    graph.begin();
+    graph.picture().endBackground();
+    graph.picture().line({10, y}, {190, y}, colour);
+    graph.picture().show();
+  };
+  draw(40, red);
+  QCoreApplication::processEvents();
+  draw(20, green);
+  graph.widget.repaint(QRect(0, 0, 30, 100));
+  QTRY_COMPARE(countOf(graph.screen(), rgb(red)), 0);
+  QVERIFY(countOf(graph.screen(), rgb(green)) > 0);
+  QCOMPARE(graph.screen(), graph.image().copy(graph.screen().rect()));
 }
 
 QTEST_MAIN(GraphWidgetTest)
