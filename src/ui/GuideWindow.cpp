@@ -6,6 +6,7 @@
 #include <QImageReader>
 #include <QKeyEvent>
 #include <QScreen>
+#include <QScrollBar>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -108,6 +109,17 @@ void GuideBrowser::fitPictures() {
     picture.setWidth(width);
     cursorOver(document(), fragment.position(), fragment.length()).setCharFormat(picture);
   }
+  // Else the layout, which is made in steps, leaves out most of what stands below a changed
+  // picture.
+  document()->markContentsDirty(0, document()->characterCount());
+}
+
+void GuideBrowser::changeEvent(QEvent* event) {
+  QTextBrowser::changeEvent(event);
+  if (event->type() != QEvent::PaletteChange || source().isEmpty()) return;
+  const int place = verticalScrollBar()->value();
+  reload();
+  verticalScrollBar()->setValue(place);
 }
 
 void GuideBrowser::resizeEvent(QResizeEvent* event) {

@@ -22,6 +22,8 @@ class GuideBrowser : public QTextBrowser {
 
  protected:
   void doSetSource(const QUrl& link, QTextDocument::ResourceType type) override;
+  /// The colour of a link is part of the page.
+  void changeEvent(QEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 
  private:

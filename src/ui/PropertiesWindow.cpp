@@ -52,7 +52,7 @@ QLayout* PropertiesWindow::buildButtons() {
                               QStringLiteral("Take over the settings that the meter has now"),
                               LoadFromMeter));
   layout->addWidget(addButton("cmdSavePM", QStringLiteral("&Send to Power meter"),
-                              QStringLiteral("Send all settings to the meter"), SaveToMeter));
+                              QStringLiteral("Send the settings to the meter"), SaveToMeter));
   layout->addStretch();
   layout->addWidget(addButton("cmdSaveFile", QStringLiteral("Sa&ve Settings..."),
                               QStringLiteral("Save the settings in a file"), SaveSettingsFile));

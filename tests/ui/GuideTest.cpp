@@ -1,3 +1,4 @@
+#include <QAbstractTextDocumentLayout>
 #include <QAction>
 #include <QDir>
 #include <QFile>
@@ -5,7 +6,9 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QSet>
+#include <QTextBlock>
 
 #include "CCDFWindowBench.h"
 #include "PictureBench.h"
@@ -82,6 +85,8 @@ class GuideTest : public QObject {
   void tableHasTheKeysOfTheCCDFView();
   void pictures();
   void linksLeadToHeadings();
+  void everyLineHasItsPlace();
+  void linksFollowTheDesktop();
 };
 
 void GuideTest::tableHasTheKeysOfTheProfileView() {
@@ -116,6 +121,48 @@ void GuideTest::linksLeadToHeadings() {
   const QStringList links = allOf(guide, R"(\]\(#([^)]*)\))");
   QVERIFY(!links.isEmpty());
   for (const QString& link : links) QVERIFY2(anchors.contains(link), qPrintable(link));
+}
+
+/// The whole guide is laid out, at any width.
+void GuideTest::everyLineHasItsPlace() {
+  GuideBrowser browser;
+  browser.resize(860, 760);
+  browser.show();
+  browser.setSource(QUrl::fromLocalFile(QDir(sourceTree).filePath("docs/user-guide.md")));
+  for (const int width : {860, 500, 1000}) {
+    browser.resize(width, 760);
+    for (QTextBlock line = browser.document()->begin(); line.isValid(); line = line.next()) {
+      const QRectF place = browser.document()->documentLayout()->blockBoundingRect(line);
+      QVERIFY2(line.text().isEmpty() || place.height() > 0, qPrintable(line.text()));
+    }
+  }
+}
+
+/// A desktop may turn dark while the guide is open, and the reader stays where they are.
+void GuideTest::linksFollowTheDesktop() {
+  GuideBrowser browser;
+  browser.resize(860, 760);
+  browser.show();
+  browser.setSource(QUrl::fromLocalFile(QDir(sourceTree).filePath("docs/user-guide.md")));
+  browser.verticalScrollBar()->setValue(1500);
+  const auto colours = [&browser] {
+    QSet<QRgb> found;
+    for (QTextBlock line = browser.document()->begin(); line.isValid(); line = line.next()) {
+      for (auto part = line.begin(); !part.atEnd(); ++part) {
+        const QTextCharFormat format = part.fragment().charFormat();
+        if (!format.anchorHref().isEmpty()) found.insert(format.foreground().color().rgb());
+      }
+    }
+    return found;
+  };
+  QPalette palette = QGuiApplication::palette();
+  const QColor light(120, 180, 255);
+  QVERIFY(colours() == QSet<QRgb>{palette.color(QPalette::Link).rgb()});
+  palette.setColor(QPalette::Link, light);
+  QGuiApplication::setPalette(palette);
+  QCoreApplication::processEvents();
+  QVERIFY(colours() == QSet<QRgb>{light.rgb()});
+  QCOMPARE(browser.verticalScrollBar()->value(), 1500);
 }
 
 QTEST_MAIN(GuideTest)
