@@ -29,11 +29,21 @@ void showAsPlainText(const QDialog& dialog) {
   for (QLabel* label : dialog.findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
 }
 
+/// A text may quote whatever was typed or received; the box has to stay on the screen.
+QString shortened(const QString& text) {
+  constexpr int most = 600;
+  constexpr int mostLines = 30;
+  if (text.size() <= most && text.count(u'\n') < mostLines) return text;
+  const QString beginning = text.left(most * 2 / 3).section(u'\n', 0, mostLines * 2 / 3 - 1);
+  const QString end = text.right(most / 3).section(u'\n', -mostLines / 3);
+  return beginning + QStringLiteral(" ... ") + end;
+}
+
 void fill(QMessageBox& box, const std::string& text, const std::string& title, MessageIcon icon) {
   box.setWindowTitle(QString::fromStdString(title));
   box.setIcon(boxIcon(icon));
   box.setTextFormat(Qt::PlainText);
-  box.setText(QString::fromStdString(text));
+  box.setText(shortened(QString::fromStdString(text)));
 }
 
 }  // namespace

@@ -5,8 +5,8 @@
 namespace pulsemod {
 
 /// Message and input boxes of the toolkit, over the window that is active. All texts are plain
-/// text, and "\r\n" in them is one line break. Object names: `messageBox`, `questionBox`,
-/// `inputBox`.
+/// text, and "\r\n" in them is one line break. Of a text of more than 600 characters or 30 lines
+/// only the beginning and the end are shown. Object names: `messageBox`, `questionBox`, `inputBox`.
 class QtDialogs : public Dialogs {
  public:
   void showMessage(const std::string& text, const std::string& title, MessageIcon icon,

@@ -72,6 +72,29 @@ TEST_F(DialogsTest, BlanksAndEmptyTitlesStay) {
   dialogs.showMessage("Please edit the Capture Time", "", MessageIcon::information, {});
 }
 
+TEST_F(DialogsTest, BoxStaysOnTheScreenWhateverIsQuoted) {
+  const QString quoted(5000, u'W');
+  const QString lines = QStringLiteral("line\n").repeated(500);
+  for (const QString& text : {quoted, lines}) {
+    user.then<QMessageBox>([](QMessageBox& box) {
+      EXPECT_TRUE(box.text().startsWith("Do not understand format '"));
+      EXPECT_TRUE(box.text().contains(" ... "));
+      EXPECT_TRUE(box.text().endsWith("'\r\nTry again"));
+      EXPECT_LE(box.height(), 600);
+      box.accept();
+    });
+    dialogs.showMessage("Do not understand format '" + text.toStdString() + "'\r\nTry again",
+                        "title", MessageIcon::none, {});
+  }
+  // All of what is not much longer than that.
+  const std::string longest(600, 'w');
+  user.then<QMessageBox>([&longest](QMessageBox& box) {
+    EXPECT_EQ(box.text().toStdString(), longest);
+    box.accept();
+  });
+  dialogs.showMessage(longest, "title", MessageIcon::none, {});
+}
+
 TEST_F(DialogsTest, NothingIsTakenForMarkup) {
   user.then<QMessageBox>([](QMessageBox& box) {
     int plainTexts = 0;
