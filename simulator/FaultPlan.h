@@ -33,17 +33,17 @@ enum class FaultKind {
 };
 
 struct FaultRule {
-  bool ofCall = false;  // of a library call, not of a message
-  std::string match;    // how the message begins, or the call's name; empty: any
-  std::uint64_t first = 1;
+  bool ofCall = false;      // of a library call, not of a message
+  std::string match;        // how the message begins, or the call's name; empty: any
+  std::uint64_t first = 1;  // occurrences, counted from 1, at which it strikes; both ends included
   std::uint64_t last = UINT64_MAX;
   FaultKind kind = FaultKind::kMissing;
-  std::int64_t amount = 0;
+  std::int64_t amount = 0;  // these three as the kind says
   std::int64_t second = 0;
   std::string text;
   Refusal refusal = Refusal::kExecution;
-  std::string written;  // the rule as it stands in the scenario, for the transcript
-  std::uint64_t seen = 0;
+  std::string written;     // the rule as it stands in the scenario, for the transcript
+  std::uint64_t seen = 0;  // occurrences so far
 };
 
 // Parses the value of a `fault =` line. Nothing when it cannot be understood.

@@ -36,7 +36,8 @@ struct CallStatus {
   long count = 0;
 };
 
-// Board 0. Each call blocks as a real one does, up to the scenario's board time-out.
+// Board 0. Each call blocks as a real one does, up to the scenario's board time-out. One call at a
+// time: the caller keeps threads apart. Scenario and transcript must outlive it.
 class GpibBus {
  public:
   GpibBus(const Scenario& scenario, Transcript& transcript);

@@ -28,7 +28,7 @@ struct Trace {
   }
 };
 
-// The time inside [start, stop] but not strictly inside the fence.
+// The time inside [start, stop] but not strictly inside the fence, all in s.
 struct GateWindow {
   double start = 0;
   double stop = 0;
@@ -54,7 +54,7 @@ struct Results {
 // Over the points inside the window, over all points without one; kNoReading when there are none.
 Results measure(const Trace& trace, const GateWindow* window);
 
-// The level at the point nearest to the time; kNoReading outside the trace.
+// The level in dBm at the point nearest to the time in s; kNoReading outside the trace.
 double levelAt(const Trace& trace, double time);
 
 // Takes traces of one channel's signal. The noiseless picture is kept while the settings that

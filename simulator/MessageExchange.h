@@ -3,7 +3,6 @@
 // controller that breaks the rules.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>

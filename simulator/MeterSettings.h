@@ -1,5 +1,6 @@
 // Every setting of the meter: one table of what it is called, what it accepts and how it starts,
 // and the store of the values. Commands, queries, ranges and power-on values all come from here.
+// Times are seconds, levels dBm, scales dB, shares percent, as on the wire.
 #pragma once
 
 #include <array>

@@ -1,7 +1,5 @@
 #include "Reply.h"
 
-#include <algorithm>
-
 namespace simmeter {
 
 TimePoint Reply::leaves(std::size_t place) const {

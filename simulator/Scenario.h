@@ -13,10 +13,10 @@ namespace simmeter {
 
 struct Scenario {
   MeterOptions meter;
-  std::vector<std::string> setup;  // commands carried out at power-on, in order
-  int address = 13;                // GPIB, 1 to 30
-  std::chrono::milliseconds boardTimeOut{1000};
-  std::chrono::milliseconds replyDelay{0};  // before every reply
+  std::vector<std::string> setup;                // commands carried out at power-on, in order
+  int address = 13;                              // GPIB, 1 to 30
+  std::chrono::milliseconds boardTimeOut{1000};  // GPIB: the longest that a call waits
+  std::chrono::milliseconds replyDelay{0};       // before every reply
   std::vector<FaultRule> faults;
 
   // One for each line that could not be used, with its number: "line 3: unknown key 'modle'".

@@ -17,6 +17,7 @@ class SerialLine {
  public:
   static constexpr int kBitsPerByte = 10;  // start, eight data bits, stop
 
+  // The scenario and the transcript must outlive it.
   SerialLine(const Scenario& scenario, SerialOptions options, Transcript& transcript);
   SerialLine(const SerialLine&) = delete;
   SerialLine& operator=(const SerialLine&) = delete;

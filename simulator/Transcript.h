@@ -23,7 +23,7 @@ class Transcript {
   bool open(const std::string& path);
   bool isOpen() const { return file_ >= 0; }
 
-  // `<seconds> <kind> <text>`; costs nothing while no file is open.
+  // `<seconds> <kind> <text>`, seconds of CLOCK_MONOTONIC; costs nothing while no file is open.
   void write(std::string_view kind, std::string_view text);
 
   // `< "<text>" <end>`: a message as it came, and how it ended.

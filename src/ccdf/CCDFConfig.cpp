@@ -25,7 +25,7 @@ void readCursorState() {
   std::string reply;
   if (!QueryMeter("TTMKS? " + ChannelText(), reply)) return;
   const bool on = SplitReply(reply, 1) == "ON";
-  CCDF.CursorOn = on ? True16 : False16;
+  CCDF.CursorOn = boolean16(on);
   ccdfView().setCursorMenus(on);
   if (!on) return;
   ReadCursor();

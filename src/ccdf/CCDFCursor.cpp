@@ -61,7 +61,7 @@ void tellCursorOff() {
 }
 
 void setSizingPointer(bool sizing) {
-  CCDFMouse.SizingPointer = sizing ? True16 : False16;
+  CCDFMouse.SizingPointer = boolean16(sizing);
   ccdfView().setSizingPointer(sizing);
 }
 

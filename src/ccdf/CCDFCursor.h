@@ -22,7 +22,8 @@ extern CCDFMouseState CCDFMouse;
 inline constexpr double cursorHitTolerance = 2;
 
 /// While the cursor is on: its power and its share from the meter (TTMKRO: share first), and where
-/// its line stands. A failed query leaves all; an axis without length leaves the line.
+/// its line stands. A failed query, a reply without both numbers, and one during which the user
+/// has placed the cursor, leave all; an axis without length leaves the line.
 void ReadCursor();
 
 /// Sends the cursor's power (TTMKPOS).
@@ -31,12 +32,14 @@ void SendCursorPosition();
 /// Power, share and line while the cursor is on; else `FrameCursor` and the line are hidden.
 void UpdateCursorLabels();
 
-/// `menuOn` and `menuOFF`: the window follows at once; the meter is told when the link is free, or
-/// between two curves while the acquisition runs.
+/// `menuOn` and `menuOFF`: the window follows at once; the meter is told (TTMKS) when the link is
+/// free, or between two curves while the acquisition runs.
 void SwitchCursorOn();
 void SwitchCursorOff();
 
-/// `menuSetCursorPosition`: asks for a power; an empty answer changes nothing.
+/// `menuSetCursorPosition`: asks for a power in dBm; an empty answer changes nothing, text that is
+/// no number is 0, and one beyond single precision is a `Fault`. Sent and read back when the link
+/// is free, or between two curves while the acquisition runs.
 void EditCursorPosition();
 
 /// Carries out `CursorOnPending`, `CursorOffPending` and `CursorPositionPending`, in this order.
@@ -44,8 +47,9 @@ void CarryOutCursorRequests();
 
 /// Left button down on the graph: the acquisition pauses until the release.
 void CCDFButtonDown();
-/// The pointer at graph x, with or without the button. A drag that began on the line moves it
-/// strictly between the ends of the axis; the meter learns nothing yet.
+/// The pointer is at `pointer`, in graph units, of which x alone counts, with or without the
+/// button. A drag that began on the line moves it strictly between the ends of the axis; the meter
+/// learns nothing yet. A graph that cannot be computed is reported once, as drawing it is.
 void CCDFMouseMove(PicturePoint pointer);
 /// The pointer left the graph.
 void CCDFMouseLeave();

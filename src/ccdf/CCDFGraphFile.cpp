@@ -71,7 +71,7 @@ std::string ccdfGraphText() {
                      std::to_string(points) + end + exactText(CCDF.StartPower) + end +
                      exactText(CCDF.StopPower) + end;
   for (std::size_t point = 1; point <= points; ++point) {
-    text += numberText(static_cast<float>(XToPower(static_cast<double>(point))));
+    text += numberText(XToPower(static_cast<double>(point)));
     text += '\t';
     text += numberText(CCDFData[point - 1]);
     text += end;

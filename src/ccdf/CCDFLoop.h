@@ -24,8 +24,8 @@ void StartCCDF();
 /// link is free.
 void StopCCDF();
 
-/// `MenuRestart`: restarts the meter's statistics. While the acquisition runs this has no effect,
-/// since every curve restarts them.
+/// `MenuRestart`: restarts the meter's statistics (PPACQRT). While the acquisition runs this has no
+/// effect, since every curve restarts them.
 void RestartStatistics();
 
 }  // namespace pulsemod

@@ -11,6 +11,7 @@
 namespace pulsemod {
 
 struct DecodedCurve {
+  /// Shares in percent.
   Trace values{};
   /// How many of `values`, from the first on, the curve holds.
   std::size_t count = 0;
@@ -31,8 +32,7 @@ std::optional<DecodedCurve> decodeCurve(std::string_view reply);
 bool ReadCCDFData();
 
 /// The meter's point count into `DisplayPoints`, from the head of a curve (TTFRO). A failed query,
-/// and a reply that is no
-/// curve or whose count does not fit, leave it.
+/// and a reply that is no curve or whose count does not fit, leave it.
 void ReadCCDFPoints();
 
 }  // namespace pulsemod

@@ -30,8 +30,8 @@ class CCDFView {
   /// on.
   virtual void setCursorMenus(bool cursorOn) = 0;
 
-  /// `FrameCursor` with `lblCursorPower` and `lblCursorPercentage`, and the cursor's line at graph
-  /// x over the full height.
+  /// `FrameCursor` with `lblCursorPower` and `lblCursorPercentage`, whose captions bear their
+  /// units, and the cursor's line at graph x (ccdf/CCDFGraph.h) over the full height.
   virtual void showCursor(const std::string& power, const std::string& percentage, double x) = 0;
   virtual void hideCursor() = 0;
   virtual bool cursorFrameIsShown() const = 0;

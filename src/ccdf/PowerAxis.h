@@ -24,13 +24,15 @@ void ReadStopPower();
 
 /// Clicks on `lblStartPower` and `lblStopPower`: ask for a power and store it; text that is no
 /// number is 0, an empty answer changes nothing, and nothing is refused: the meter is the judge.
-/// While the acquisition runs the edit becomes pending; else it is sent when the link is free, and
-/// the meter's read-back is stored and shown.
+/// While the acquisition runs the edit becomes pending; else it is sent (TTPST, TTPSP) when the
+/// link is free, and the meter's read-back is stored and shown; one that fails leaves the power as
+/// it was entered. A power, in dBm, beyond single precision is a `Fault` and changes nothing.
 void EditStartPower();
 void EditStopPower();
 
-/// Takes the power range of a file. While the acquisition runs it becomes pending; else both ends
-/// are sent when the link is free, unless they were edited meanwhile, and nothing is read back.
+/// Takes the power range of a file, in dBm. While the acquisition runs it becomes pending; else
+/// both ends are sent when the link is free, unless they were edited meanwhile, and nothing is read
+/// back.
 void ReplacePowerRange(float startPower, float stopPower);
 
 /// Carries out `StartPowerPending` and then `StopPowerPending`.

@@ -61,7 +61,8 @@ struct LoadedGpib {
 /// The name under which the system's loader knows the library.
 extern const char* const gpibLibraryName;
 
-/// Loads the library and never unloads it.
+/// Loads the library and never unloads it. What is missing stands in `unusableReason`, and no
+/// function may be called then.
 LoadedGpib loadGpibLibrary(const char* libraryName);
 
 }  // namespace pulsemod

@@ -11,7 +11,7 @@ namespace pulsemod {
 
 /// A serial port of the system; which device it is, `host/SerialPortNames.h` says. Bytes arrive and
 /// leave while events are processed, and each wakes a wait for an event. What had arrived before a
-/// port was lost can still be read.
+/// port was lost can still be read. A port that cannot take the baud rate counts as not opened.
 class HostSerialPort : public SerialPort {
  public:
   HostSerialPort();

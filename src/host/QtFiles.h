@@ -4,6 +4,7 @@
 
 namespace pulsemod {
 
+/// The files of the system.
 class QtFiles : public Files {
  public:
   std::string read(const std::string& path, std::string& content) override;

@@ -11,6 +11,7 @@ struct DeviceAccess {
   /// The group whose members may use the device; empty when no group but the administrator's may.
   std::string group;
 };
+/// `device` is a path. On Windows everything is there and permitted.
 DeviceAccess deviceAccess(const std::string& device);
 
 enum class PortProblem { notFound, refused, unusable };
@@ -21,6 +22,7 @@ enum class PortProblem { notFound, refused, unusable };
 std::string openFailureReason(int portNumber, const std::string& device, PortProblem problem,
                               const DeviceAccess& access, const std::string& systemText);
 
+/// Why a port that was open is not any more, and what to do, in words for the user.
 std::string lossReason(int portNumber, const std::string& device, const std::string& systemText);
 
 }  // namespace pulsemod

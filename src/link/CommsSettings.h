@@ -16,6 +16,7 @@ struct CommsSettings {
   std::int16_t gpibAddress = 13;
   /// Serial port 1 to 10 (COM1: to COM10:).
   std::int32_t rs232Port = 1;
+  /// Bits a second. The dialog offers 1200 to 57600; any other stored number is tried as it is.
   std::int32_t rs232Baud = 9600;
 };
 
@@ -23,9 +24,10 @@ struct CommsSettings {
 /// (`LinkSettings` of link/MeterLink.h), so that later edits take effect at the next start.
 extern CommsSettings EditedComms;
 
-/// Reads the four values from the per-user store. False when the store holds no comms type
-/// (missing, no number, or 0); then nothing else is read. A missing value gets its default, a port
-/// of 0 becomes 1, an address that is no 16-bit number becomes 0.
+/// Reads the four values from the per-user store: section Comms, keys CommsType, GPIBAddress,
+/// RS232Baud, RS232Port. False when the store holds no comms type (missing, no number, or 0); then
+/// nothing else is read. A missing value gets its default, a port of 0 becomes 1, an address that
+/// is no 16-bit number becomes 0.
 bool ReadCommsSettings();
 
 /// Writes the four values to the store and puts them on the disk; true when that was done. An

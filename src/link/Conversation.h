@@ -31,7 +31,8 @@ void converse(const std::function<void()>& exchange);
 
 /// For event handlers: the part of their work that talks to the meter, and what depends on its
 /// outcome. Runs at once when no conversation is open and none is waiting, else in its turn; bind
-/// arguments by value. A fault in a kept exchange is reported to the user and drops no other.
+/// arguments by value. A fault leaves here when the exchange runs at once; one in a kept exchange
+/// is reported to the user and drops no other.
 void whenLinkIsFree(std::function<void()> exchange);
 
 /// The program ends: what is kept never reaches the meter.

@@ -8,6 +8,7 @@ namespace pulsemod {
 struct ExchangeCountState {
   /// No exchange is carried out; each fails at once, without a reply.
   bool onlyCounting = false;
+  /// Exchanges that were not carried out since the last count began.
   int counted = 0;
   /// Called when an exchange is over, however it ended.
   std::function<void()> afterEach;

@@ -24,7 +24,9 @@ inline constexpr auto gpibBoardName = "GPIB0";
 struct GpibVariables {
   /// Status word of the last call; below 0 when bit 0x8000 (ERR) is set.
   std::int16_t status = 0;
+  /// Error code of the last call, as the library numbers them; of no meaning without ERR.
   std::int16_t error = 0;
+  /// `longCount`, cut to 16 bits.
   std::int16_t count = 0;
   /// Bytes moved by the last call.
   std::int32_t longCount = 0;
@@ -45,6 +47,7 @@ bool gpibFailed();
 /// that was called.
 std::string gpibFailureReason(int address);
 
+/// Interface clear, and the selected device clear to the instrument at `address`.
 void SendIFC(int board);
 void DevClear(int board, int address);
 /// Sends `command`, ended by newline with EOI.
@@ -55,6 +58,7 @@ void Receive(int board, int address, char* buffer, std::size_t size);
 int ReadStatusByte(int board, int address);
 /// Descriptor of a board; below 0 when there is none.
 int ibfindA(const std::string& name);
+/// Takes a board online (1) or offline (0).
 void ibonl(int descriptor, int online);
 
 }  // namespace pulsemod

@@ -113,7 +113,6 @@ bool serialExchangeIsAlive() { return services().serial.isOpen() && !LinkGivenUp
 /// Lets events run while nothing has moved on the line since `start`; false when the wait is over
 /// for good.
 bool waitForSerial(float start) {
-  constexpr float patienceMs = 2000;
   const Services& world = services();
   if (!serialExchangeIsAlive()) return false;
   if (!ReplyMayBeGivenUp || !world.progress.dismissed()) {
@@ -121,9 +120,9 @@ bool waitForSerial(float start) {
     return true;
   }
   const float silentMs = (onDayOf(start, world.clock.secondsSinceMidnight()) - start) * 1000.0F;
-  LinkGivenUp = silentMs >= patienceMs;
+  LinkGivenUp = silentMs >= replyPatienceMs;
   if (LinkGivenUp) return false;
-  world.events.processUntilEventOr(static_cast<int>(std::ceil(patienceMs - silentMs)));
+  world.events.processUntilEventOr(static_cast<int>(std::ceil(replyPatienceMs - silentMs)));
   return true;
 }
 

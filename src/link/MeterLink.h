@@ -21,26 +21,30 @@ namespace pulsemod {
 /// how to begin; later edits do not touch them.
 extern CommsSettings LinkSettings;
 
+/// A meter over RS232 that has been silent for so long can be given up.
+inline constexpr int replyPatienceMs = 2000;
+
 /// While true, the user can give up waiting for a reply over RS232 by closing `frmPleaseWait`: a
-/// meter that has been silent for two seconds is then not waited for any longer. Set by start-up,
-/// while no other window is there that could be closed instead.
+/// meter that has been silent for `replyPatienceMs` is then not waited for any longer. Set by
+/// start-up, while no other window is there that could be closed instead.
 extern bool ReplyMayBeGivenUp;
 
 /// A reply was given up, so what still comes of it would be taken for the reply to the next query:
 /// every later exchange over RS232 fails at once.
 extern bool LinkGivenUp;
 
-/// GPIB: clears the interface and the meter and gives it half a second.
+/// GPIB: clears the interface and the meter and gives it half a second, during which no event runs.
+/// RS232: nothing. That a library call failed shows at the first exchange.
 void OpenMeterLink();
 
 /// RS232 only: closes the port if it is open and gives it the settings "<baud>,N,8,1" and the port
 /// number. It does not open the port.
 void ConfigureSerialPort();
 
-/// Takes the GPIB board offline.
+/// Takes the GPIB board offline, whatever the comms type is.
 void CloseMeterLink();
 
-/// The serial port of an RS232 link is closed: it could not be opened, or was lost.
+/// The serial port of an RS232 link is closed: it could not be opened, or was lost. Never for GPIB.
 bool linkIsLost();
 
 /// Why the link does not work, in words for the user; empty when nothing is known.
@@ -66,8 +70,9 @@ bool WaitOperationComplete(const std::string& command);
 /// GPIB: sends the device clear to the meter, then waits 100 ms. Before each acquisition start.
 void ClearMeter();
 
-/// Waits while the user interface runs. The argument is overwritten with the reading of the clock
-/// that ends the wait (seconds since midnight): give each call a variable of its own.
+/// Waits so many milliseconds while the user interface runs. The argument is overwritten with the
+/// reading of the clock that ends the wait (seconds since midnight): give each call a variable of
+/// its own.
 void DelayMs(float& milliseconds);
 
 }  // namespace pulsemod

@@ -11,7 +11,8 @@ struct FileKind {
   std::string suffix;
 };
 
-/// The system's file dialogs, for plain text files ("*.txt") unless kinds are given.
+/// The system's file dialogs, for plain text files ("*.txt") unless kinds are given. Paths are
+/// UTF-8. Modal, as the boxes of platform/Dialogs.h.
 class FileDialogs {
  public:
   virtual ~FileDialogs() = default;
@@ -20,8 +21,7 @@ class FileDialogs {
   virtual std::string askOpenFile(const std::string& title) = 0;
 
   /// The file to write, as a path; empty when the user cancelled. A typed name without a suffix
-  /// gets
-  /// ".txt"; the dialog has asked before an existing file is replaced.
+  /// gets ".txt"; the dialog has asked before an existing file is replaced.
   virtual std::string askSaveFile(const std::string& title) = 0;
 
   /// The same for a file of one of several kinds, the first of which is offered first. A typed name

@@ -17,7 +17,9 @@ inline constexpr int gpibStopOnEoi = 0x100;
 inline constexpr int gpibStatusError = 0x8000;
 
 /// The nine calls of the GPIB library, as the library has them. No call here tests anything:
-/// `link/GpibCalls.h` wraps each one with the registration of the status variables.
+/// `link/GpibCalls.h` wraps each one with the registration of the status variables. They block
+/// until the library is done or its time-out has passed, and are called by the user-interface
+/// thread alone.
 class GpibLibrary {
  public:
   virtual ~GpibLibrary() = default;
@@ -32,7 +34,7 @@ class GpibLibrary {
 
   /// Pulses interface clear: the board becomes controller in charge.
   virtual void SendIFC(int board) = 0;
-  /// Sends the selected device clear to the instrument at primary `address`.
+  /// Sends the selected device clear to the instrument at primary `address`, 1 to 30.
   virtual void DevClear(int board, int address) = 0;
   virtual void Send(int board, int address, std::string_view bytes, GpibEnd end) = 0;
   /// Reads up to `size` bytes; the long count tells how many came.

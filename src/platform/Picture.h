@@ -45,6 +45,7 @@ class Picture {
   virtual ~Picture() = default;
 
   virtual void clear() = 0;
+  /// Before the first line of a drawing; until then the scale of the drawing before is in force.
   virtual void setScale(const PictureScale& scale) = 0;
   virtual void line(PicturePoint from, PicturePoint to, Colour colour) = 0;
   /// Joined lines through `points`; a single point is a dot.

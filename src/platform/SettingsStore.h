@@ -19,6 +19,7 @@ class SettingsStore {
   /// Puts what was written on the disk, since the program may end at any moment after. False when
   /// it could not; `failureReason` then says why.
   virtual bool flush() = 0;
+  /// In words for the user; empty when the last `flush` did its work, or none was made yet.
   virtual std::string failureReason() const = 0;
 };
 

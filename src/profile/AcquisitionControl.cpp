@@ -22,7 +22,7 @@ void ResumeAcquisition() {
 
 void SetAcquisitionRunning(bool running) {
   const bool paused = AcquisitionPause.Paused != False16;
-  (paused ? AcquisitionPause.SavedRunning : AcquisitionRunning) = running ? True16 : False16;
+  (paused ? AcquisitionPause.SavedRunning : AcquisitionRunning) = boolean16(running);
 }
 
 void letEventsRun(bool lastReadFailed) {

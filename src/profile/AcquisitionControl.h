@@ -37,8 +37,8 @@ void SetAcquisitionRunning(bool running);
 /// take the processor.
 void letEventsRun(bool lastReadFailed);
 
-/// "Profile/Second: 48.3", from the clock's reading at the start of the pass until now; nothing
-/// when the clock has not moved.
+/// "Profile/Second: 48.31", with one or two decimals, from the clock's reading (seconds since
+/// midnight) at the start of the pass until now; nothing when the clock has not moved.
 std::optional<std::string> rateText(float start);
 inline constexpr auto rateToolTip =
     "Update speed of the GPIB, not the update speed of this display";

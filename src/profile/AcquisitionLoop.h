@@ -15,17 +15,19 @@ extern bool ProfileReadFailed;
 void AcquireProfile();
 
 /// `menuStart`: menus first; then, when the link is free, device clear (GPIB), the read-back of
-/// points, times and levels, and the acquisition runs. A stop meanwhile cancels the start.
+/// points, times and levels, and the acquisition runs. A stop meanwhile cancels the start; so do a
+/// fault, which is reported, and a lost port. A read-back that fails leaves its value; a readout
+/// for the points that is no profile ends the read-back.
 void StartAcquisition();
 
 /// `menuStop`: the profile in progress is finished, no further one is requested. Edits that are
 /// still pending reach the meter as soon as the link is free.
 void StopAcquisition();
 
-/// `menuFreeRun`: the meter's trigger returns to free run.
+/// `menuFreeRun`: the meter's trigger returns to free run (TR3).
 void SetTriggerFreeRun();
 
-/// `menudisplayupdate`: stops (true) or resumes the meter's own display updating.
+/// `menudisplayupdate`: stops (true) or resumes the meter's own display updating (SYDISP).
 void SetMeterDisplayStopped(bool stopped);
 
 }  // namespace pulsemod

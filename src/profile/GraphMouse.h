@@ -11,6 +11,7 @@
 
 namespace pulsemod {
 
+/// One edge of a gate or its fence, or none.
 struct GrabbedEdge {
   GateTime edge = GateTime::none;
   /// 1 to 8, 0 for none.

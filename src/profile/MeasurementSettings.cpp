@@ -14,11 +14,6 @@ Boolean16 AcquisitionRunning = False16;
 
 namespace {
 
-bool oneChannelIsActive() {
-  return Settings.ActiveChannel >= 1 &&
-         static_cast<std::size_t>(Settings.ActiveChannel) <= channelCount;
-}
-
 /// Moves a time from one repeated gate to the next. The sum is taken as a reader of the two texts
 /// would compute it: repeated gates must not gather single-precision noise. False when it
 /// overflows.
@@ -62,8 +57,12 @@ void InitMeasurementSettings() {
 }
 
 std::string ChannelText() {
-  constexpr std::int16_t bothChannels = 3;
   return Settings.ActiveChannel == bothChannels ? "1&2" : std::to_string(Settings.ActiveChannel);
+}
+
+bool oneChannelIsActive() {
+  return Settings.ActiveChannel >= 1 &&
+         static_cast<std::size_t>(Settings.ActiveChannel) <= channelCount;
 }
 
 std::string InputConfigText() {

@@ -15,8 +15,9 @@ namespace pulsemod {
 using Boolean16 = std::int16_t;
 inline constexpr Boolean16 True16 = -1;
 inline constexpr Boolean16 False16 = 0;
+inline constexpr Boolean16 boolean16(bool value) { return value ? True16 : False16; }
 
-/// A truth value on the wire: "ON" or "OFF".
+/// A truth value as commands have it: "ON" or "OFF".
 std::string onOffText(Boolean16 value);
 
 /// Gate slots; the meter's own gates are the first four.
@@ -28,6 +29,10 @@ inline constexpr std::size_t tracePoints = 400;
 
 /// Index of the delta marker in `Markers`.
 inline constexpr std::size_t deltaMarker = 4;
+/// Marker `number`, from 1, is the delta marker.
+inline constexpr bool isDeltaMarker(int number) {
+  return number == static_cast<int>(deltaMarker) + 1;
+}
 
 /// One gate and its fence. The four x columns are graph x positions in trace points
 /// (`TimeToGraphX`), written by `PositionGateLines` and read by hit tests.
@@ -45,6 +50,7 @@ struct GateSettings {
 };
 
 /// One of the four times of a gate: its ends and those of its fence.
+inline constexpr std::size_t timesPerGate = 4;
 enum class GateTime : std::int16_t { none = 0, start = 1, stop = 2, fenceStart = 3, fenceStop = 4 };
 
 /// Where a time of a gate stands; null for none.
@@ -60,24 +66,27 @@ struct MarkerSettings {
 
 struct ChannelSettings {
   std::int32_t InputConfig = 0;     ///< 0 to 5 = A, B, A-B, B-A, A/B, B/A (CHCFG)
-  std::int16_t AveragingCount = 0;  ///< profiles averaged (PMAVGN)
+  std::int16_t AveragingCount = 0;  ///< profiles averaged, 1 to 1000; 0 not known yet (PMAVGN)
   Boolean16 AveragingOn = False16;  ///< PMAVGS
 };
+
+/// The value of `ActiveChannel` that stands for both.
+inline constexpr std::int16_t bothChannels = 3;
 
 struct MeasurementSettings {
   float CaptureTime = 0.0046F;  ///< time span across the graph (TRCAPT)
   float TriggerDelay = 0;       ///< time of the graph's left edge after the trigger (TRDLYT)
   float ReferenceLevel = 10;    ///< level at the graph's top (PMPREF)
   float ScalePerDivision = 10;  ///< dB for each of the ten divisions (PMPSCAL)
-  /// Channel of all commands: 1, 2, or 3 for both, sent as "1&2".
+  /// Channel of all commands: 1, 2, or `bothChannels`, sent as "1&2".
   std::int16_t ActiveChannel = 1;
   std::int16_t ActiveGate = 1;        ///< 1 to 4 (GPACTN)
   Boolean16 GatesVisible = True16;    ///< gates are drawn; inverted as GPHIDES
-  std::int32_t MeasurementType = 1;   ///< 1 to 4 (PMMEAS)
+  std::int32_t MeasurementType = 1;   ///< 1 to 4, see `measurementResults` (PMMEAS)
   std::int32_t DeltaMeasurement = 0;  ///< 0 = PAVG, 1 = PDIFF (MKDMEAS)
   std::int16_t DisplayPoints = 200;   ///< points of a trace, 1 to 400 (SYDRES)
   Boolean16 RepeatEnabled = False16;  ///< gate 1 is repeated (GP1REPS)
-  std::int16_t RepeatCount = 3;       ///< gates of the repeat, gate 1 included (GP1REPN)
+  std::int16_t RepeatCount = 3;       ///< 1 to 8 gates of the repeat, gate 1 included (GP1REPN)
   float RepeatOffset = 0.0006F;       ///< between the starts of repeated gates (GP1REPT)
   /// Gate n is element n - 1. Gates 1 to 4 are the meter's own; 5 to 8 serve the repeat of gate 1.
   std::array<GateSettings, gateCount> Gates;
@@ -85,6 +94,7 @@ struct MeasurementSettings {
   std::array<MarkerSettings, markerCount> Markers;
   std::array<ChannelSettings, channelCount> Channels;
 };
+/// Written by the user's edits, the reads of the meter's configuration and readouts, and files.
 extern MeasurementSettings Settings;
 
 /// A profile: element i - 1 is the power of point i in dBm.
@@ -102,10 +112,15 @@ extern Trace SecondProfileTrace;
 extern Boolean16 AcquisitionRunning;
 
 /// Brings every setting back to its default and stops the acquisition. Once, before any exchange.
+/// Beyond the values above: marker n stands at n x 100 us, marker 1 is the active one, and the
+/// active channel averages 1 profile.
 void InitMeasurementSettings();
 
 /// The channel argument of commands: "1", "2" or "1&2".
 std::string ChannelText();
+
+/// One channel is active: 1 or 2.
+bool oneChannelIsActive();
 
 /// "A", "B", "A-B", "B-A", "A/B" or "B/A" for the active channel; empty for any other code, and
 /// when both channels are active.

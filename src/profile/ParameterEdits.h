@@ -28,11 +28,13 @@ struct ParameterEditCounts {
 };
 extern ParameterEditCounts EditCounts;
 
-/// Clicks on `lblCapture`, `lblRef`, `lblscale` and `lblStart`: ask for a value and store it. An
-/// empty answer changes nothing; a level that is no number is 0. No value is refused: the meter is
-/// the judge. While the acquisition runs the edit becomes pending; else the value is sent when the
-/// link is free, and the meter's read-back is stored and shown. A read-back that fails or, but for
-/// the capture time, is no number leaves the value as it was entered.
+/// Clicks on `lblCapture`, `lblRef`, `lblscale` and `lblStart`: ask for a value (a time as
+/// `ParseTime` takes it, a level in dBm, a scale in dB) and store it. An empty answer changes
+/// nothing; a level that is no number is 0. No value is refused: the meter is the judge. While the
+/// acquisition runs the edit becomes pending; else the value is sent when the link is free, and the
+/// meter's read-back is stored and shown. A read-back that fails or, but for the capture time, is
+/// no number leaves the value as it was entered. A number beyond single precision is a `Fault` and
+/// changes nothing. The commands stand in profile/ProfileParameters.h.
 void EditCaptureTime();
 void EditReferenceLevel();
 void EditGraphScale();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string>
+#include <cstddef>
 
 #include "profile/MeasurementSettings.h"
 
@@ -10,9 +10,11 @@
 namespace pulsemod {
 
 struct ProfileParameter {
+  /// Of the command; the query has a question mark behind it.
   const char* mnemonic;
   /// Keyword between channel and value.
   const char* unit;
+  /// Where it stands in `Settings`, in seconds, dBm or dB as that says.
   float MeasurementSettings::*value;
 };
 
@@ -28,7 +30,8 @@ inline constexpr ProfileParameter scaleParameter{"PMPSCAL", "DB",
 /// Sends `value`, as in "TRCAPT 1,PMOD,0.0046".
 void SendParameter(const ProfileParameter& parameter, float value);
 
-/// Makes the active channel the meter's, in pulse mode and with its input configuration.
+/// Makes the active channel the meter's (CHDISPN, CHACTIV), in pulse mode (CHMODE) and with its
+/// input configuration (CHCFG).
 void SelectPulseMode();
 
 /// Queries the meter's value, as in "TRCAPT? 1,PMOD", into `value`. False, with `value` as it was,
@@ -42,6 +45,7 @@ void ReadParameter(const ProfileParameter& parameter);
 inline constexpr std::size_t profileHeadLength = 7;
 inline constexpr auto profileMnemonic = "PMPO";
 
+/// The query failed; the reply has no mnemonic; it has a point count.
 enum class ProfileReadout { noReply, notAProfile, read };
 
 /// Reads the meter's number of profile points into `DisplayPoints` from the head of a profile

@@ -11,10 +11,11 @@
 namespace pulsemod {
 
 struct DecodedProfile {
+  /// dBm.
   Trace values{};
   /// How many of `values`, from the first on, the profile holds.
   std::size_t count = 0;
-  /// The point count that the reply states; a block states none.
+  /// The point count that the reply states; 0 for a block, which states none.
   std::int16_t statedPoints = 0;
 };
 
@@ -33,8 +34,8 @@ std::optional<DecodedProfile> decodeTextProfile(std::string_view reply);
 std::optional<DecodedProfile> decodeBlockProfile(std::string_view reply);
 
 /// Arms one capture and reads it into `ProfileTrace`: RS232 as text (TR1, PMPO), which also sets
-/// `DisplayPoints`, GPIB as a block (TR1, PMPBO). True when there is a new profile. Over RS232 a
-/// failed PMPO query ends the program.
+/// `DisplayPoints`, GPIB as a block (TR1, PMPBO). True when there is a new profile; false when a
+/// query failed or the profile was rejected. Over RS232 a failed PMPO query ends the program.
 bool ReadProfile();
 
 }  // namespace pulsemod

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <span>
 #include <string>
 
 #include "platform/Installed.h"
@@ -50,7 +49,7 @@ class ProfileView {
   /// The pointer over the graph: a left-right arrow, or the default.
   virtual void setSizingPointer(bool sizing) = 0;
 
-  /// `lblgraphspeed` and its tool tip.
+  /// `lblgraphspeed` (`rateText`) and its tool tip.
   virtual void showRate(const std::string& caption, const std::string& toolTip) = 0;
 
   /// Brings menus in line with a started or stopped acquisition; starting hides `frmProperties`.

@@ -12,7 +12,7 @@ extern Boolean16 ConfigExchangeBusy;
 
 /// `cmdLoadPM` and `cmdSavePM`: read or write the meter's configuration when the link is free.
 /// While such an exchange waits or runs, a click is ignored. After a read every window shows what
-/// came.
+/// came, also when a fault ended it.
 void LoadFromMeter();
 void SaveToMeter();
 

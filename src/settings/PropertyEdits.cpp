@@ -29,15 +29,11 @@ void sendWhenFree(const std::string& command) {
   whenLinkIsFree([command] { SendCommand(command); });
 }
 
-Boolean16 boolean16(bool value) { return value ? True16 : False16; }
-
 GateSettings& gateSettings(int gate) { return Settings.Gates[static_cast<std::size_t>(gate - 1)]; }
 
 MarkerSettings& markerSettings(int marker) {
   return Settings.Markers[static_cast<std::size_t>(marker - 1)];
 }
-
-bool isDelta(int marker) { return marker == static_cast<int>(deltaMarker) + 1; }
 
 std::string numbered(int number) { return std::to_string(number); }
 
@@ -78,7 +74,7 @@ constexpr GateTimeControl gateTimeControls[] = {
     {GateTime::fenceStart, "GPFENST ", "Enter Fence ", " Start Time"},
     {GateTime::fenceStop, "GPFENSP ", "Enter Fence ", " Stop Time"},
 };
-constexpr std::size_t timesPerGate = std::size(gateTimeControls);
+static_assert(std::size(gateTimeControls) == timesPerGate);
 
 /// What speaks against a time, empty for nothing. A time on its limit passes, whatever the words
 /// say: the meter takes it.
@@ -255,7 +251,7 @@ void SwitchMarker(int marker, bool on) {
   MarkerSettings& settings = markerSettings(marker);
   settings.Enabled = boolean16(on);
   const std::string channel = ChannelText();
-  if (isDelta(marker)) {
+  if (isDeltaMarker(marker)) {
     sendWhenFree("MKDELTS " + channel + "," + onOffText(settings.Enabled));
     sendWhenFree("MKDPOS " + channel + "," + numberText(settings.Position));
   } else {
@@ -273,7 +269,7 @@ void EditMarkerPosition(int marker) {
   showMarkers();
   const std::string channel = ChannelText();
   const std::string value = numberText(*typed);
-  if (isDelta(marker)) {
+  if (isDeltaMarker(marker)) {
     whenLinkIsFree([channel, value] {
       SendCommand("MKDPOS " + channel + "," + value);
       std::string unused;
@@ -288,7 +284,7 @@ void EditMarkerPosition(int marker) {
 }
 
 void ChooseActiveMarker(int marker) {
-  for (int other = 1; !isDelta(other); ++other) {
+  for (int other = 1; !isDeltaMarker(other); ++other) {
     markerSettings(other).IsActive = boolean16(other == marker);
   }
   sendWhenFree("MKACTN " + ChannelText() + ", " + numbered(marker));

@@ -14,7 +14,7 @@ namespace pulsemod {
 
 /// `chkAverage`: PMAVGS. With both channels active a `Fault`, as is the next one.
 void SwitchAveraging(bool on);
-/// `scrollAVG`, when it has come to rest: PMAVGN.
+/// `scrollAVG`, when it has come to rest at 1 to `mostAveraged` profiles: PMAVGN.
 void SetAveragingCount(std::int16_t count);
 inline constexpr std::int16_t mostAveraged = 1000;
 /// "Average (16)", the caption of `chkAverage`.
@@ -37,9 +37,9 @@ void SwitchGate(int gate, bool on);
 /// `lblFence`: GPFENS.
 void ToggleFence(int gate);
 std::string fenceToolTip(bool enabled);
-/// `txtGateInfo`, by its index: four a gate, start, stop, fence start, fence stop. Asks for the
-/// time and refuses one outside its limits with a message: a gate must not begin or end before the
-/// trigger delay, a fence not begin before its gate or end after it.
+/// `txtGateInfo`, by its index from 0: `timesPerGate` a gate, start, stop, fence start, fence stop.
+/// Asks for the time and refuses one outside its limits with a message: a gate must not begin or
+/// end before the trigger delay, a fence not begin before its gate or end after it.
 void EditGateTime(std::size_t index);
 /// `optActiveGate`: GPACTN.
 void ChooseActiveGate(int gate);
@@ -50,7 +50,7 @@ void SwitchRepeat(bool on, const std::string& countText);
 /// Enter in `txtRepeatCount`: GP1REPN. The count is kept between 1 and 8; text that is no number
 /// is 1.
 void EnterRepeatCount(const std::string& countText);
-/// `txtRepeatOffset`: asks for the time; GP1REPT.
+/// `txtRepeatOffset`: GP1REPT. Asks for the time and refuses none.
 void EditRepeatOffset();
 
 /// Brings the gates in line with the repeat. Slots 5 to 8 are off unless the repeat reaches them.

@@ -70,7 +70,7 @@ class FieldReader {
     } else if (equalIgnoringCase(text, "False")) {
       value = False16;
     } else if (const auto number = wholeSingle(text)) {
-      value = *number != 0 ? True16 : False16;
+      value = boolean16(*number != 0);
     } else {
       throw Fault("Type mismatch: " + lineName(lines_) + " is neither True nor False");
     }

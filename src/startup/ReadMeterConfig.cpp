@@ -15,8 +15,6 @@ namespace pulsemod {
 
 namespace {
 
-Boolean16 boolean16(bool value) { return value ? True16 : False16; }
-
 void readSingle(const std::string& query, int field, float& value) {
   std::string reply;
   if (!QueryMeter(query, reply)) return;

@@ -24,9 +24,6 @@ namespace pulsemod {
 
 namespace {
 
-/// A meter over RS232 that has been silent for so long can be given up.
-constexpr int patienceMs = 2000;
-
 void readOrAskCommsSettings(StartUpView& view) {
   if (ReadCommsSettings()) return;
   view.showCommsOptions();
@@ -52,7 +49,7 @@ void openLink() {
 /// meter that keeps silent over RS232 is waited for until the user closes `frmPleaseWait`.
 bool queryIdentity(std::string& identity) {
   Progress& progress = services().progress;
-  progress.showAfter(patienceMs, "Please Wait... Reading Power Meter Identity...");
+  progress.showAfter(replyPatienceMs, "Please Wait... Reading Power Meter Identity...");
   WaitOperationComplete("*CLS; *ESE 56");
   const bool answered = QueryMeter("*IDN?", identity);
   progress.hide();
@@ -91,7 +88,7 @@ void shareConfiguration(const std::string& course, const std::function<void()>& 
 void shareCCDFSettings() {
   ConfigureCCDF();
   Progress& progress = services().progress;
-  progress.showAfter(patienceMs, "Please Wait... Reading CCDF Settings...");
+  progress.showAfter(replyPatienceMs, "Please Wait... Reading CCDF Settings...");
   reportFaults(ReadCCDFSettings);
   progress.hide();
 }
@@ -109,10 +106,12 @@ void shareCCDFSettings() {
 
 }  // namespace
 
-std::string versionCaption() {
-  return "Pelmora v" + std::to_string(versionMajor) + "." + std::to_string(versionMinor) + "." +
+std::string versionText() {
+  return std::to_string(versionMajor) + "." + std::to_string(versionMinor) + "." +
          std::to_string(versionRevision);
 }
+
+std::string versionCaption() { return "Pelmora v" + versionText(); }
 
 void StartUp(StartUpView& view) {
   EditedComms = CommsSettings{};

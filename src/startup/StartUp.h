@@ -28,17 +28,21 @@ class StartUpView {
   virtual void showMainWindow(const std::string& title) = 0;
   /// Builds `frmCCDF`, the `ccdfView()` from here on, and `frmMain`, which stays hidden beside it.
   virtual void prepareCCDFWindow() = 0;
+  /// `frmCCDF`, once it is prepared.
   virtual void showCCDFWindow(const std::string& title) = 0;
 };
 
-/// "Pelmora v" and the program's version: the title of a window whose meter is known.
+/// The program's version: "1.0.0".
+std::string versionText();
+
+/// "Pelmora v" and the version: the title of a window whose meter is known.
 std::string versionCaption();
 
 /// The whole start: defaults, communications settings, the user's choice, the link, the meter's
-/// identity, the chosen course. Returns only for "Just Start Program"; with "Configure Power
-/// Meter", "Load from Power Meter" and "CCDF Mode" the acquisition loop runs below this call for
-/// the rest of the run. A meter that does not answer or is not supported ends the program with its
-/// message.
+/// error reports and identity (*ESE 56, *IDN?), the chosen course. Returns only for "Just Start
+/// Program"; with "Configure Power Meter", "Load from Power Meter" and "CCDF Mode" the acquisition
+/// loop runs below this call for the rest of the run. A meter that does not answer or is not
+/// supported ends the program with its message.
 void StartUp(StartUpView& view);
 
 }  // namespace pulsemod

@@ -9,15 +9,11 @@
 
 #include "link/MeterLink.h"
 #include "startup/MeterModel.h"
-#include "startup/ProgramVersion.h"
+#include "startup/StartUp.h"
 
 namespace pulsemod {
 
 namespace {
-
-QString versionText() {
-  return QStringLiteral("%1.%2.%3").arg(versionMajor).arg(versionMinor).arg(versionRevision);
-}
 
 QString linkText() {
   if (LinkSettings.commsType == commsTypeGPIB) {
@@ -35,7 +31,7 @@ QString meterText() {
 
 QString presentFacts() {
   const QStringList lines{QStringLiteral("Pelmora PulseMod"),
-                          QStringLiteral("Version: ") + versionText(),
+                          QStringLiteral("Version: ") + QString::fromStdString(versionText()),
                           QStringLiteral("Meter: ") + meterText(),
                           QStringLiteral("Link: ") + linkText(),
                           QStringLiteral("Qt: ") + QLatin1String(qVersion()),

@@ -9,7 +9,7 @@ namespace pulsemod {
 /// From 100 % to 0.001 %.
 inline constexpr int decadeLabels = 6;
 
-/// What each part of `frmCCDF` needs for its captions.
+/// What each part of `frmCCDF` needs for its captions, in pixels.
 struct CCDFPartSizes {
   QSize source;
   QSize rate;

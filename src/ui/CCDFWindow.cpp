@@ -3,31 +3,20 @@
 #include <QAction>
 #include <QKeySequence>
 #include <QMenu>
-#include <QMenuBar>
-#include <QScreen>
 
 #include "ccdf/CCDFCursor.h"
 #include "ccdf/CCDFGraphFile.h"
 #include "ccdf/CCDFLoop.h"
 #include "ccdf/MeasurementSource.h"
-#include "link/Fault.h"
 #include "link/Session.h"
 #include "ui/CCDFSheet.h"
 #include "ui/FileDrop.h"
+#include "ui/GraphFace.h"
 #include "ui/HelpMenu.h"
 #include "ui/Menus.h"
 #include "ui/PictureItems.h"
 
 namespace pulsemod {
-
-namespace {
-
-/// Calls a handler of the subsystem when the item is chosen.
-void connectItem(QAction* item, void (*handler)()) {
-  QObject::connect(item, &QAction::triggered, item, [handler] { reportFaults(handler); });
-}
-
-}  // namespace
 
 CCDFWindow::CCDFWindow() : panel_(new CCDFPanel(this)) {
   setObjectName(QStringLiteral("frmCCDF"));
@@ -41,8 +30,8 @@ CCDFWindow::CCDFWindow() : panel_(new CCDFPanel(this)) {
   new FileDrop(this, OpenCCDFGraphFile);
   setAcquisitionMenus(false);
   CCDFWindow::setCursorMenus(false);
-  limitSize();
-  resize(QSize(800, 600).boundedTo(screen()->availableSize()).expandedTo(minimumSize()));
+  setSmallestFace(*this, panel_->smallestArea());
+  takeFirstSize(*this);
 }
 
 void CCDFWindow::buildFileMenu() {
@@ -109,11 +98,6 @@ void CCDFWindow::buildSourceMenu() {
   connectItem(addItem(menu, "menuMeasSourceChannel", QStringLiteral("&Channel"),
                       QStringLiteral("All that the channel measures")),
               [] { RequestMeasurementSource(CCDFSource::channel); });
-}
-
-void CCDFWindow::limitSize() {
-  const QSize needed = panel_->smallestArea() + QSize(0, menuBar()->sizeHint().height());
-  setMinimumSize(needed.boundedTo(screen()->availableSize()).expandedTo({480, 360}));
 }
 
 void CCDFWindow::setStartPowerLabel(const std::string& caption) {

@@ -38,7 +38,6 @@ class CCDFWindow : public QMainWindow, public CCDFView {
   void buildCCDFMenu();
   void buildCursorMenu();
   void buildSourceMenu();
-  void limitSize();
   void setAcquisitionMenus(bool running);
 
   CCDFPanel* panel_;

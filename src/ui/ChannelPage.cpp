@@ -4,7 +4,6 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QRadioButton>
 #include <QSignalBlocker>
 #include <QSlider>
 #include <QVBoxLayout>
@@ -20,11 +19,6 @@ namespace {
 
 constexpr int pageStep = 10;
 constexpr int sliderWidth = 260;
-
-bool oneChannelIsActive() {
-  return Settings.ActiveChannel >= 1 &&
-         Settings.ActiveChannel <= static_cast<std::int16_t>(channelCount);
-}
 
 /// By the index of `optChannel`, the active channel less 1.
 QStringList channelCaptions() {

@@ -12,6 +12,7 @@
 #include "link/NumberText.h"
 #include "settings/PropertyEdits.h"
 #include "ui/ClickableEdit.h"
+#include "ui/ElementName.h"
 #include "ui/FenceLabel.h"
 #include "ui/Options.h"
 #include "ui/ReadableWhileDisabled.h"

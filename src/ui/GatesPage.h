@@ -14,7 +14,9 @@ namespace pulsemod {
 
 class FenceLabel;
 
-/// Which gates are on, their times and fences, the active gate, and the repeat of gate 1.
+/// Which gates are on, their times and fences, the active gate, and the repeat of gate 1. As the
+/// other pages of `frmProperties`, it shows the model when it is told to, and its controls call
+/// settings/PropertyEdits.h.
 class GatesPage : public QWidget {
  public:
   explicit GatesPage(RunEdit run);
@@ -24,7 +26,6 @@ class GatesPage : public QWidget {
   void showRepeatCount();
 
  private:
-  static constexpr std::size_t timesPerGate = 4;
   /// A gate's controls, by their columns.
   struct Row {
     QCheckBox* enabled = nullptr;

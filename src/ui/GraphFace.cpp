@@ -2,6 +2,9 @@
 
 #include <QFontMetrics>
 #include <QLabel>
+#include <QMainWindow>
+#include <QMenuBar>
+#include <QScreen>
 #include <QTimer>
 #include <QWidget>
 
@@ -11,6 +14,16 @@
 #include "ui/ParameterLabel.h"
 
 namespace pulsemod {
+
+void setSmallestFace(QMainWindow& window, const QSize& face) {
+  const QSize needed = face + QSize(0, window.menuBar()->sizeHint().height());
+  window.setMinimumSize(needed.boundedTo(window.screen()->availableSize()).expandedTo({480, 360}));
+}
+
+void takeFirstSize(QMainWindow& window) {
+  window.resize(
+      QSize(800, 600).boundedTo(window.screen()->availableSize()).expandedTo(window.minimumSize()));
+}
 
 void setUpFace(QWidget& panel, const QString& meaning) {
   // It has the focus at the start.

@@ -5,6 +5,7 @@
 #include <functional>
 
 class QLabel;
+class QMainWindow;
 class QObject;
 class QWidget;
 
@@ -12,7 +13,13 @@ namespace pulsemod {
 
 class ParameterLabel;
 
-/// What the faces of both graph windows have in common.
+/// What both graph windows and their faces have in common.
+
+/// The window becomes no smaller than its menu bar over a face of that size, as far as its screen
+/// has room, and never smaller than 480 by 360.
+void setSmallestFace(QMainWindow& window, const QSize& face);
+/// The size in which a window is first shown. Its smallest face is set by then.
+void takeFirstSize(QMainWindow& window);
 
 /// The dark ground and the text colour of labels on it. The panel has the focus at the start, and
 /// `meaning` is spoken then.

@@ -5,7 +5,6 @@
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 #include "profile/ProfileGraph.h"
 #include "ui/Look.h"
@@ -23,22 +22,18 @@ constexpr double sampleWidth = 26;
 constexpr double smallestGraphWidth = 160;
 constexpr double smallestGraphHeight = 100;
 
-QColor toQt(Colour colour) { return {colour.red, colour.green, colour.blue}; }
-
 struct SheetColours {
   QColor ground;
   QColor graphGround;
   QColor text;
-  QColor quietText;
   QColor frame;
 };
 
 SheetColours coloursOn(Ground ground) {
   if (ground == Ground::white) {
-    return {Qt::white, Qt::white, onWhite(look::label), onWhite(look::quietLabel),
-            onWhite(look::rule)};
+    return {Qt::white, Qt::white, onWhite(look::label), onWhite(look::rule)};
   }
-  return {look::surround, look::graphBackground, look::label, look::quietLabel, look::rule};
+  return {look::surround, look::graphBackground, look::label, look::rule};
 }
 
 /// The same size in every format: points would be measured in the format's own dots.
@@ -290,11 +285,15 @@ QColor onWhite(const QColor& colour) {
     QColor light;
   };
   static const Pair pairs[] = {
-      {toQt(gridColour), {190, 194, 200}},       {toQt(liveTraceColour), {0, 70, 190}},
-      {toQt(secondProfileColour), {0, 120, 50}}, {toQt(activeMarkerColour), {195, 0, 0}},
-      {toQt(markerColour), {0, 100, 125}},       {look::gateLine, {175, 85, 0}},
-      {look::fenceLine, {125, 40, 190}},         {look::label, {20, 24, 32}},
-      {look::quietLabel, {80, 88, 100}},         {look::rule, {100, 108, 120}},
+      {toQt(gridColour), {190, 194, 200}},
+      {toQt(liveTraceColour), {0, 70, 190}},
+      {toQt(secondProfileColour), {0, 120, 50}},
+      {toQt(activeMarkerColour), {195, 0, 0}},
+      {toQt(markerColour), {0, 100, 125}},
+      {look::gateLine, {175, 85, 0}},
+      {look::fenceLine, {125, 40, 190}},
+      {look::label, {20, 24, 32}},
+      {look::rule, {100, 108, 120}},
   };
   for (const Pair& pair : pairs) {
     if (pair.dark == colour) return pair.light;

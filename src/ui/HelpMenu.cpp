@@ -2,9 +2,7 @@
 
 #include <QAction>
 #include <QMainWindow>
-#include <QMenuBar>
 
-#include "link/Fault.h"
 #include "ui/AboutBox.h"
 #include "ui/GuideWindow.h"
 #include "ui/Menus.h"
@@ -26,16 +24,14 @@ Child& onlyChild(QMainWindow* window) {
 
 void addHelpMenu(QMainWindow* window) {
   QMenu* const menu = addMenu(window->menuBar(), QStringLiteral("&Help"));
-  const QAction* const guide =
+  connectItem(
       addItem(menu, "menuUserGuide", QStringLiteral("&User Guide"),
-              QStringLiteral("How to use this program"), QKeySequence(QKeySequence::HelpContents));
-  const QAction* const about =
+              QStringLiteral("How to use this program"), QKeySequence(QKeySequence::HelpContents)),
+      [window] { onlyChild<GuideWindow>(window).open(); });
+  connectItem(
       addItem(menu, "menuAbout", QStringLiteral("&About Pelmora PulseMod"),
-              QStringLiteral("The version of the program, the meter and how it is reached"));
-  QObject::connect(guide, &QAction::triggered, window,
-                   [window] { reportFaults([window] { onlyChild<GuideWindow>(window).open(); }); });
-  QObject::connect(about, &QAction::triggered, window,
-                   [window] { reportFaults([window] { onlyChild<AboutBox>(window).present(); }); });
+              QStringLiteral("The version of the program, the meter and how it is reached")),
+      [window] { onlyChild<AboutBox>(window).present(); });
 }
 
 }  // namespace pulsemod

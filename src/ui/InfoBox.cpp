@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "profile/MeasurementSettings.h"
+#include "ui/ElementName.h"
 
 namespace pulsemod {
 
@@ -13,7 +14,7 @@ namespace {
 
 QString frameName(std::size_t group) {
   // The frames of the gates come first.
-  return QStringLiteral("FrameMeas_%1").arg(group == 0 ? gateCount : group - 1);
+  return elementName("FrameMeas", group == 0 ? gateCount : group - 1);
 }
 
 QString groupTitle(std::size_t group) {
@@ -55,8 +56,7 @@ InfoBox::ResultLabels InfoBox::addResult(std::size_t element) {
                                     .arg(groupTitle(group))
                                     .arg(element % resultsPerGroup + 1)
                                     .arg(QLatin1String(part));
-    return addLabel(frames_[group], QStringLiteral("%1_%2").arg(QLatin1String(name)).arg(element),
-                    description);
+    return addLabel(frames_[group], elementName(name, element), description);
   };
   const ResultLabels labels{add("lblMeasInfo", "name"), add("lblMeasResult", "value"),
                             add("lblMeasUnits", "unit")};

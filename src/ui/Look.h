@@ -2,6 +2,15 @@
 
 #include <QColor>
 
+#include "platform/Picture.h"
+
+namespace pulsemod {
+
+/// A colour of a drawing, as the toolkit has it.
+inline constexpr QColor toQt(Colour colour) { return {colour.red, colour.green, colour.blue}; }
+
+}  // namespace pulsemod
+
 /// The colours of the instrument's face. It is dark on light and dark desktops alike, since the
 /// colours of the traces are made for a dark ground; every text on it keeps a contrast of 4.5 to 1
 /// or better.

@@ -3,8 +3,6 @@
 #include <QAction>
 #include <QKeySequence>
 #include <QMenu>
-#include <QMenuBar>
-#include <QScreen>
 #include <utility>
 
 #include "link/Fault.h"
@@ -15,6 +13,7 @@
 #include "tracefiles/ProfileTraceFile.h"
 #include "ui/FileDrop.h"
 #include "ui/FontChoice.h"
+#include "ui/GraphFace.h"
 #include "ui/HelpMenu.h"
 #include "ui/InfoBox.h"
 #include "ui/MarkersWindow.h"
@@ -38,8 +37,8 @@ MainWindow::MainWindow(std::function<void()> showComms)
   connectMenus();
   new FileDrop(this, OpenProfileTraceFile);
   setAcquisitionMenus(false);
-  limitSize();
-  resize(QSize(800, 600).boundedTo(screen()->availableSize()).expandedTo(minimumSize()));
+  setSmallestFace(*this, panel_->smallestArea());
+  takeFirstSize(*this);
 }
 
 void MainWindow::buildFileMenu() {
@@ -108,19 +107,17 @@ void MainWindow::buildViewMenu() {
 }
 
 void MainWindow::connectMenus() {
-  connect(menuOpen_, &QAction::triggered, this, [] { reportFaults(OpenProfileTrace); });
-  connect(menuSave_, &QAction::triggered, this, [] { reportFaults(SaveProfileTrace); });
+  connectItem(menuOpen_, OpenProfileTrace);
+  connectItem(menuSave_, SaveProfileTrace);
   connect(menuExit_, &QAction::triggered, this, &MainWindow::unload);
-  connect(menuStart_, &QAction::triggered, this, [] { reportFaults(StartAcquisition); });
-  connect(menuStop_, &QAction::triggered, this, [] { reportFaults(StopAcquisition); });
-  connect(menuFreeRun_, &QAction::triggered, this, [] { reportFaults(SetTriggerFreeRun); });
+  connectItem(menuStart_, StartAcquisition);
+  connectItem(menuStop_, StopAcquisition);
+  connectItem(menuFreeRun_, SetTriggerFreeRun);
   connect(menuDisplayUpdate_, &QAction::triggered, this,
           [](bool checked) { reportFaults([checked] { SetMeterDisplayStopped(checked); }); });
-  connect(menuProperties_, &QAction::triggered, this,
-          [this] { reportFaults([this] { openProperties(); }); });
-  connect(menuComs_, &QAction::triggered, this, [this] { reportFaults(showComms_); });
-  connect(menuGraphFont_, &QAction::triggered, this,
-          [this] { reportFaults([this] { chooseGraphFont(); }); });
+  connectItem(menuProperties_, [this] { openProperties(); });
+  connectItem(menuComs_, showComms_);
+  connectItem(menuGraphFont_, [this] { chooseGraphFont(); });
   connect(menuInfoBox_, &QAction::triggered, this,
           [this] { toggle(infoBox_, *menuInfoBox_, UpdateInfoBox); });
   connect(menuMarkers_, &QAction::triggered, this,
@@ -134,13 +131,8 @@ void MainWindow::chooseGraphFont() {
 
 void MainWindow::applyGraphFont(const QFont& chosen) {
   panel_->setGraphFont(chosen);
-  limitSize();
+  setSmallestFace(*this, panel_->smallestArea());
   panel_->layOutAndDraw();
-}
-
-void MainWindow::limitSize() {
-  const QSize needed = panel_->smallestArea() + QSize(0, menuBar()->sizeHint().height());
-  setMinimumSize(needed.boundedTo(screen()->availableSize()).expandedTo({480, 360}));
 }
 
 Picture& MainWindow::graph() { return panel_->graph(); }

@@ -68,7 +68,6 @@ class MainWindow : public QMainWindow, public ProfileView {
   /// Shows or hides it.
   template <typename Window>
   void toggle(Window*& window, QAction& item, void (*fill)());
-  void limitSize();
   void setAcquisitionMenus(bool running);
 
   std::function<void()> showComms_;

@@ -12,6 +12,7 @@
 
 #include "settings/PropertyEdits.h"
 #include "ui/ClickableEdit.h"
+#include "ui/ElementName.h"
 #include "ui/Options.h"
 
 namespace pulsemod {
@@ -19,8 +20,6 @@ namespace pulsemod {
 namespace {
 
 constexpr int lastMarker = static_cast<int>(markerCount);
-
-bool isDelta(int marker) { return marker == static_cast<int>(deltaMarker) + 1; }
 
 /// By the index of `optDeltaMeas`.
 QStringList deltaCaptions() {
@@ -70,11 +69,12 @@ MarkersPage::MarkersPage(RunEdit run, std::function<void()> openMarkers) : run_(
 void MarkersPage::buildRow(int marker, QGridLayout& layout) {
   const int index = marker - 1;
   const auto slot = static_cast<std::size_t>(index);
-  const QString title =
-      isDelta(marker) ? QStringLiteral("Delta marker") : QStringLiteral("Marker %1").arg(marker);
-  QCheckBox* enabled = addCheckBox(
-      elementName("chkMaker", index),
-      isDelta(marker) ? QStringLiteral("Del&ta marker") : QStringLiteral("Marker &%1").arg(marker));
+  const QString title = isDeltaMarker(marker) ? QStringLiteral("Delta marker")
+                                              : QStringLiteral("Marker %1").arg(marker);
+  QCheckBox* enabled =
+      addCheckBox(elementName("chkMaker", index), isDeltaMarker(marker)
+                                                      ? QStringLiteral("Del&ta marker")
+                                                      : QStringLiteral("Marker &%1").arg(marker));
   enabled->setToolTip(title + QStringLiteral(" is on"));
   connect(enabled, &QCheckBox::clicked, this,
           [this, marker](bool on) { run_([marker, on] { SwitchMarker(marker, on); }); });
@@ -84,7 +84,7 @@ void MarkersPage::buildRow(int marker, QGridLayout& layout) {
       addTimeBox(elementName("txtMarker", index), title + QStringLiteral(" position"),
                  [this, marker] { run_([marker] { EditMarkerPosition(marker); }); });
   layout.addWidget(positions_.at(slot), marker, 1);
-  if (isDelta(marker)) return;
+  if (isDeltaMarker(marker)) return;
   QRadioButton* active = addOption(active_, "optActiveMarker", index, QStringLiteral("Active"));
   active->setAccessibleName(title + QStringLiteral(" is the active marker"));
   active->setToolTip(active->accessibleName());

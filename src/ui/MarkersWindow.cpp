@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/ElementName.h"
+
 namespace pulsemod {
 
 MarkersWindow::MarkersWindow(QWidget* owner, Hooks hooks)
@@ -14,10 +16,10 @@ MarkersWindow::MarkersWindow(QWidget* owner, Hooks hooks)
 
 MarkersWindow::Marker MarkersWindow::addMarker(std::size_t index) {
   const QString title = QStringLiteral("Marker %1").arg(index + 1);
-  QGroupBox* const frame = addFrame(QStringLiteral("frameMarker_%1").arg(index), title);
+  QGroupBox* const frame = addFrame(elementName("frameMarker", index), title);
   frame->setEnabled(false);
   const auto add = [&](const char* name, const char* part) {
-    return addLabel(frame, QStringLiteral("%1_%2").arg(QLatin1String(name)).arg(index),
+    return addLabel(frame, elementName(name, index),
                     title + QLatin1Char(' ') + QLatin1String(part));
   };
   const Marker marker{frame, add("lblMarkerPow", "power"), add("lblMarkerUnits", "unit"),

@@ -3,6 +3,9 @@
 #include <QAction>
 #include <QMenu>
 #include <QMenuBar>
+#include <utility>
+
+#include "link/Fault.h"
 
 namespace pulsemod {
 
@@ -21,6 +24,10 @@ QAction* addItem(QMenu* menu, const char* name, const QString& caption, const QS
   // The menu bar of some platforms moves such items elsewhere by their captions.
   item->setMenuRole(QAction::NoRole);
   return item;
+}
+
+void connectItem(QAction* item, std::function<void()> act) {
+  QObject::connect(item, &QAction::triggered, item, [act = std::move(act)] { reportFaults(act); });
 }
 
 }  // namespace pulsemod

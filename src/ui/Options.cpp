@@ -2,6 +2,8 @@
 
 #include <QRadioButton>
 
+#include "ui/ElementName.h"
+
 namespace pulsemod {
 
 namespace {
@@ -20,7 +22,7 @@ int tabStopOf(const QButtonGroup& group, int ticked) {
 
 QRadioButton* addOption(QButtonGroup& group, const char* name, int index, const QString& caption) {
   auto* option = new QRadioButton(caption);
-  option->setObjectName(QStringLiteral("%1_%2").arg(QLatin1String(name)).arg(index));
+  option->setObjectName(elementName(name, index));
   group.addButton(option, index);
   return option;
 }

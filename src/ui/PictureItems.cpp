@@ -3,13 +3,11 @@
 #include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QImage>
 #include <QMenu>
 #include <QPrintDialog>
 #include <QPrinter>
 
 #include "files/TextFile.h"
-#include "link/Fault.h"
 #include "platform/Services.h"
 #include "ui/Menus.h"
 #include "ui/PictureDialog.h"
@@ -51,10 +49,6 @@ void print(QWidget* window, const GraphOutput& output) {
   // There is one page.
   dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintShowPageSize);
   if (dialog.exec() == QDialog::Accepted) printSheet(output.sheet(), printer);
-}
-
-void connectItem(QAction* item, std::function<void()> act) {
-  QObject::connect(item, &QAction::triggered, item, [act = std::move(act)] { reportFaults(act); });
 }
 
 }  // namespace

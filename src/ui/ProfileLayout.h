@@ -5,7 +5,7 @@
 
 namespace pulsemod {
 
-/// What each label of `frmMain` needs for its caption.
+/// What each label of `frmMain` needs for its caption, in pixels.
 struct ProfileLabelSizes {
   QSize reference;
   QSize rate;

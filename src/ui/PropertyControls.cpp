@@ -12,10 +12,6 @@
 
 namespace pulsemod {
 
-QString elementName(const char* name, int index) {
-  return QStringLiteral("%1_%2").arg(QLatin1String(name)).arg(index);
-}
-
 QCheckBox* addCheckBox(const QString& name, const QString& caption) {
   auto* box = new QCheckBox(caption);
   box->setObjectName(name);

@@ -17,9 +17,6 @@ class ClickableEdit;
 /// model.
 using RunEdit = std::function<void(const std::function<void()>& edit)>;
 
-/// "name_index".
-QString elementName(const char* name, int index);
-
 QCheckBox* addCheckBox(const QString& name, const QString& caption);
 
 /// A box for a time, which a click asks for. `meaning` is what tools for the disabled speak.

@@ -5,7 +5,6 @@
 #include <QHideEvent>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QMenu>
 #include <QMenuBar>
 #include <QScopedValueRollback>
 #include <QScreen>
@@ -14,7 +13,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "link/Fault.h"
 #include "ui/FontChoice.h"
 #include "ui/Menus.h"
 
@@ -58,8 +56,7 @@ void ReadoutWindow::buildMenu() {
   QAction* menuFont =
       addItem(addMenu(menuBar(), QStringLiteral("&Options")), "menuFont",
               QStringLiteral("&Font..."), QStringLiteral("The font of the labels in this window"));
-  connect(menuFont, &QAction::triggered, this,
-          [this] { reportFaults([this] { chooseLabelFont(); }); });
+  connectItem(menuFont, [this] { chooseLabelFont(); });
 }
 
 QGroupBox* ReadoutWindow::addFrame(const QString& name, const QString& title) {

@@ -6,13 +6,13 @@
 #include "profile/MeasurementSettings.h"
 #include "startup/MeterModel.h"
 #include "ui/GraphWidget.h"
+#include "ui/Look.h"
 
 namespace pulsemod {
 
 namespace {
 
 QString channelText() {
-  constexpr int bothChannels = 3;
   if (Settings.ActiveChannel == bothChannels) return QStringLiteral("Channels 1 and 2");
   return QStringLiteral("Channel %1").arg(Settings.ActiveChannel);
 }
@@ -40,8 +40,6 @@ bool hasCurve(const Drawing& drawing, Colour colour) {
   });
 }
 
-SheetEntry curveEntry(const QString& text, Colour colour) {
-  return {text, QColor(colour.red, colour.green, colour.blue)};
-}
+SheetEntry curveEntry(const QString& text, Colour colour) { return {text, toQt(colour)}; }
 
 }  // namespace pulsemod

@@ -18,7 +18,7 @@ GraphSheet beginSheet(const QString& title, const QWidget& panel, const GraphWid
 /// A curve in that colour is drawn.
 bool hasCurve(const Drawing& drawing, Colour colour);
 
-/// A text of a curve's legend.
+/// A text of the legend, with a piece of a curve in that colour.
 SheetEntry curveEntry(const QString& text, Colour colour);
 
 }  // namespace pulsemod

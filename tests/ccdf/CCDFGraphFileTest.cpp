@@ -10,29 +10,10 @@
 #include "link/Conversation.h"
 #include "link/Fault.h"
 #include "support/CommaLocale.h"
+#include "support/FileLines.h"
 
 namespace pulsemod::test {
 namespace {
-
-using FileLines = std::vector<std::string>;
-
-std::string fileOf(const FileLines& lines, const std::string& lineEnd = "\r\n") {
-  std::string text;
-  for (const std::string& line : lines) text += line + lineEnd;
-  return text;
-}
-
-FileLines linesOf(const std::string& text) {
-  FileLines lines;
-  std::size_t start = 0;
-  for (std::size_t end = text.find("\r\n"); end != std::string::npos;
-       end = text.find("\r\n", start)) {
-    lines.push_back(text.substr(start, end - start));
-    start = end + 2;
-  }
-  EXPECT_EQ(start, text.size());
-  return lines;
-}
 
 /// The share at point `index` of the files of these tests.
 float share(std::size_t index) { return 90.0F - 0.125F * static_cast<float>(index); }

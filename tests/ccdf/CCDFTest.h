@@ -1,9 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
 #include <functional>
 #include <string>
 #include <utility>
@@ -11,16 +7,15 @@
 
 #include "ccdf/CCDFState.h"
 #include "support/FakeCCDFView.h"
-#include "support/FakeWorld.h"
+#include "support/WorldTest.h"
 
 namespace pulsemod::test {
 
 using Calls = std::vector<std::string>;
-using Boxes = std::vector<std::string>;
 
 /// An outside world with a CCDF window, and a meter at GPIB address 13. The axis goes from -30 to 0
 /// dBm in 200 points; the meter's cursor stands at -15 dBm, in the middle.
-class CCDFTest : public ::testing::Test {
+class CCDFTest : public WorldTest {
  protected:
   CCDFTest() {
     world.clock.seconds = 0;  // where the steps of the clock are fine
@@ -55,14 +50,6 @@ class CCDFTest : public ::testing::Test {
     }
   }
 
-  /// `event` happens once, while the reply to `message` is under way.
-  void duringReplyTo(const std::string& message, std::function<void()> event) {
-    world.meter.onMessage = [this, message,
-                             waiting = std::move(event)](const std::string& received) mutable {
-      if (received == message && waiting) world.events.post(std::exchange(waiting, nullptr));
-    };
-  }
-
   /// `event` happens once, while the serial line still holds the message that follows `message` and
   /// its reply.
   void whileTheNextMessageLeaves(const std::string& message, std::function<void()> event) {
@@ -75,24 +62,6 @@ class CCDFTest : public ::testing::Test {
 
   void answer(const std::string& text) { world.dialogs.textAnswers.push_back(text); }
 
-  Transcript& received() { return world.meter.received; }
-  const Transcript& received() const { return world.meter.received; }
-
-  int timesReceived(const std::string& message) const {
-    return static_cast<int>(std::count(received().begin(), received().end(), message));
-  }
-
-  /// "title|text|icon" of each message box.
-  Boxes shownBoxes() const {
-    constexpr std::array<const char*, 4> icons = {"none", "information", "exclamation", "question"};
-    Boxes boxes;
-    for (const ShownBox& box : world.dialogs.messages) {
-      boxes.push_back(box.title + "|" + box.text + "|" + icons[static_cast<std::size_t>(box.icon)]);
-    }
-    return boxes;
-  }
-
-  FakeWorld world;
   FakeCCDFView view;
 };
 

@@ -200,11 +200,6 @@ Events Bench::awaitMessages(const std::string& text, std::size_t count) {
   });
 }
 
-Events Bench::awaitKind(const std::string& kind, std::size_t count) {
-  return awaitTranscript(std::to_string(count) + " times " + kind,
-                         [&](const Events& events) { return countKind(events, kind) >= count; });
-}
-
 void Bench::clickStart() { hands().trigger("frmMain/menuStart"); }
 
 void Bench::clickStop() { hands().trigger("frmMain/menuStop"); }

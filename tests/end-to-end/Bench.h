@@ -8,10 +8,8 @@
 #include <iosfwd>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "Process.h"
 #include "RobotClient.h"
@@ -65,7 +63,6 @@ class Bench : public ::testing::Test {
   /// Waits until the transcript is as told; fails the test with its last lines otherwise.
   Events awaitTranscript(const std::string& what, const std::function<bool(const Events&)>& isSo);
   Events awaitMessages(const std::string& text, std::size_t count);
-  Events awaitKind(const std::string& kind, std::size_t count);
   std::string windows() { return hands().windows(); }
   std::string storeText() const;
 

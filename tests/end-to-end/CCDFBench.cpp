@@ -1,7 +1,5 @@
 #include "CCDFBench.h"
 
-#include <algorithm>
-
 namespace endtoend {
 
 namespace {

@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <numeric>
 #include <sstream>

@@ -1,5 +1,4 @@
 #include <cmath>
-#include <functional>
 #include <sstream>
 
 #include "Edges.h"

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <charconv>
 
 #include "Expected.h"

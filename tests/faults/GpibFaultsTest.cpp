@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "Workflows.h"
 #include "ccdf/CCDFLoop.h"
 #include "profile/AcquisitionLoop.h"

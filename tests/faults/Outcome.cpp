@@ -1,8 +1,6 @@
 #include "Outcome.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <utility>
 
 namespace pulsemod::test {
 

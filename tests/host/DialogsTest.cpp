@@ -6,7 +6,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <thread>
 
 #include "ModalScript.h"
 #include "host/QtDialogs.h"

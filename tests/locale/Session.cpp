@@ -3,11 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <sstream>
-#include <thread>
 
 namespace endtoend {
 

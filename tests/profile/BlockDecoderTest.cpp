@@ -1,5 +1,4 @@
 #include <limits>
-#include <optional>
 
 #include "ProfileTest.h"
 #include "profile/ProfileReader.h"

@@ -26,9 +26,6 @@ class EdgeKeysTest : public ProfileTest {
     AcquisitionRunning = True16;
   }
 
-  static GateSettings& gate(int number) {
-    return Settings.Gates[static_cast<std::size_t>(number - 1)];
-  }
   static float timeAt(double column) { return static_cast<float>(column / 10000.0); }
   static void putGate(int number, double start, double stop) {
     gate(number).StartTime = timeAt(start);

@@ -27,9 +27,6 @@ class GraphEdgesTest : public ProfileTest {
  protected:
   GraphEdgesTest() { Settings.CaptureTime = 0.02F; }
 
-  static GateSettings& gate(int number) {
-    return Settings.Gates[static_cast<std::size_t>(number - 1)];
-  }
   static float timeAt(double column) { return static_cast<float>(column / 10000.0); }
 
   static void putGate(int number, double start, double stop) {

@@ -1,20 +1,14 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstdint>
-#include <functional>
 #include <string>
-#include <string_view>
-#include <utility>
 #include <vector>
 
 #include "profile/MeasurementSettings.h"
 #include "support/FakeProfileView.h"
-#include "support/FakeWorld.h"
+#include "support/WorldTest.h"
 
 namespace pulsemod::test {
 
@@ -60,7 +54,7 @@ inline std::string textReadout(const std::vector<float>& values) {
 }
 
 /// An outside world with a profile window, and a meter at GPIB address 13.
-class ProfileTest : public ::testing::Test {
+class ProfileTest : public WorldTest {
  protected:
   /// The meter answers the acquisition of `values` on either link.
   void answerProfile(const std::vector<float>& values) {
@@ -78,37 +72,19 @@ class ProfileTest : public ::testing::Test {
     world.meter.replies["PMPSCAL? 1,DB"] = "PMPSCAL 1,DB,10";
   }
 
-  /// `event` happens once, while the reply to `message` is under way.
-  void duringReplyTo(const std::string& message, std::function<void()> event) {
-    world.meter.onMessage = [this, message,
-                             waiting = std::move(event)](const std::string& received) mutable {
-      if (received == message && waiting) world.events.post(std::exchange(waiting, nullptr));
-    };
-  }
-
-  const Transcript& received() const { return world.meter.received; }
-
-  int timesReceived(const std::string& message) const {
-    return static_cast<int>(std::count(received().begin(), received().end(), message));
-  }
-
   /// Where the first `call` stands among the calls of the GPIB library; -1 when there is none.
   long positionOfCall(const std::string& call) const {
     const auto found = std::find(world.gpib.calls.begin(), world.gpib.calls.end(), call);
     return found == world.gpib.calls.end() ? -1 : found - world.gpib.calls.begin();
   }
 
-  /// "title|text|icon" of each message box.
-  std::vector<std::string> shownBoxes() const {
-    constexpr std::array<const char*, 4> icons = {"none", "information", "exclamation", "question"};
-    std::vector<std::string> boxes;
-    for (const ShownBox& box : world.dialogs.messages) {
-      boxes.push_back(box.title + "|" + box.text + "|" + icons[static_cast<std::size_t>(box.icon)]);
-    }
-    return boxes;
+  static GateSettings& gate(int number) {
+    return Settings.Gates[static_cast<std::size_t>(number - 1)];
+  }
+  static MarkerSettings& marker(int number) {
+    return Settings.Markers[static_cast<std::size_t>(number - 1)];
   }
 
-  FakeWorld world;
   FakeProfileView view;
 };
 

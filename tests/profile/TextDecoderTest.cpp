@@ -1,4 +1,3 @@
-#include <optional>
 
 #include "ProfileTest.h"
 #include "profile/ProfileReader.h"

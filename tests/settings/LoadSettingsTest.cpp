@@ -1,6 +1,4 @@
-#include <functional>
 #include <optional>
-#include <utility>
 
 #include "SettingsFiles.h"
 #include "link/Conversation.h"
@@ -13,10 +11,6 @@ namespace {
 
 class LoadSettingsTest : public SettingsFileTest {
  protected:
-  int timesReceived(const std::string& message) const {
-    return static_cast<int>(std::count(received().begin(), received().end(), message));
-  }
-
   /// What a load shows afterwards, whether it came to its end or not.
   void expectWindowsShowTheModel() const {
     EXPECT_EQ(properties.timesRefreshed, 1);

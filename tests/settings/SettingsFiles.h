@@ -1,30 +1,18 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <array>
 #include <cstddef>
 #include <string>
 #include <vector>
 
 #include "link/Fault.h"
 #include "profile/MeasurementSettings.h"
+#include "profile/ProfileTest.h"
 #include "settings/SettingsFile.h"
-#include "support/FakeProfileView.h"
 #include "support/FakePropertiesView.h"
-#include "support/FakeWorld.h"
+#include "support/FileLines.h"
 #include "support/Transcripts.h"
 
 namespace pulsemod::test {
-
-/// The lines of a file, or those of its beginning.
-using FileLines = std::vector<std::string>;
-
-inline std::string fileOf(const FileLines& lines, const std::string& lineEnd = "\r\n") {
-  std::string text;
-  for (const std::string& line : lines) text += line + lineEnd;
-  return text;
-}
 
 /// How many lines stand before "FILE END".
 inline constexpr std::size_t valueLines = 52;
@@ -121,7 +109,7 @@ inline std::vector<double> valuesOf(const FileLines& lines) {
 }
 
 /// An outside world with all windows, a meter at GPIB address 13, and one settings file.
-class SettingsFileTest : public ::testing::Test {
+class SettingsFileTest : public ProfileTest {
  protected:
   SettingsFileTest() { world.meter.replies["PPACQS? 1"] = "PPACQS 1,OFF"; }
 
@@ -131,26 +119,12 @@ class SettingsFileTest : public ::testing::Test {
     reportFaults([this] { LoadSettingsFileFrom(path); });
   }
 
-  const Transcript& received() const { return world.meter.received; }
-
-  /// "title|text|icon" of each message box.
-  std::vector<std::string> shownBoxes() const {
-    constexpr std::array<const char*, 4> icons = {"none", "information", "exclamation", "question"};
-    std::vector<std::string> boxes;
-    for (const ShownBox& box : world.dialogs.messages) {
-      boxes.push_back(box.title + "|" + box.text + "|" + icons[static_cast<std::size_t>(box.icon)]);
-    }
-    return boxes;
-  }
-
   void expectOneFault(const std::string& text) const {
     EXPECT_EQ(shownBoxes(), (std::vector<std::string>{"Pelmora|" + text + "|exclamation"}));
     EXPECT_TRUE(received().empty());
   }
 
   const std::string path = "/data/settings.txt";
-  FakeWorld world;
-  FakeProfileView view;
   FakePropertiesView properties;
 };
 

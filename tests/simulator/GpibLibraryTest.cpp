@@ -5,7 +5,6 @@
 
 #include <array>
 #include <chrono>
-#include <cstdint>
 #include <cstring>
 #include <set>
 #include <thread>

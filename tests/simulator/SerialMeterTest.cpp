@@ -8,7 +8,6 @@
 
 #include <array>
 #include <chrono>
-#include <fstream>
 #include <sstream>
 #include <thread>
 

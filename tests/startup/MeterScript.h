@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "support/FakeWorld.h"
 #include "support/Transcripts.h"

@@ -44,7 +44,7 @@ FileLines goodLines() { return traceLines("200", "0.0046", pointLines(200)); }
 std::string changed(const std::function<void(FileLines&)>& change) {
   FileLines lines = goodLines();
   change(lines);
-  return fileOf(lines);
+  return fileOf(lines, "\n");
 }
 
 std::string withLine(std::size_t number, const std::string& line) {
@@ -52,7 +52,7 @@ std::string withLine(std::size_t number, const std::string& line) {
 }
 
 std::string withPoints(const std::string& count) {
-  return fileOf(traceLines(count, "0.0046", pointLines(200)));
+  return fileOf(traceLines(count, "0.0046", pointLines(200)), "\n");
 }
 
 std::string swapped(std::size_t one, std::size_t other) {
@@ -133,7 +133,7 @@ std::vector<BadFile> badFiles() {
   };
   for (std::size_t lines = 1; lines < 205; lines += lines < 8 ? 1 : 49) {
     const FileLines all = goodLines();
-    const std::string content = fileOf({all.begin(), all.begin() + static_cast<long>(lines)});
+    const std::string content = fileOf({all.begin(), all.begin() + static_cast<long>(lines)}, "\n");
     std::string message = badPoints(endsAfter(lines));
     if (lines < 5) message = fault(endsAfter(lines));
     if (lines < 4) message = invalid;
@@ -194,7 +194,7 @@ TEST_P(BadTraceFile, IsRefusedWhileRunning) {
 TEST_F(TraceFileTest, WhileStoppedTheAxisOfAFileWithABadPointIsTakenOver) {
   FileLines lines = traceLines("400", "0.01", pointLines(400));
   lines.back() = "no";
-  open(fileOf(lines));
+  open(fileOf(lines, "\n"));
   EXPECT_EQ(shownBoxes(), (Boxes{noPoint(405)}));
   EXPECT_EQ(Settings.DisplayPoints, 400);
   EXPECT_EQ(Settings.CaptureTime, 0.01F);
@@ -206,7 +206,7 @@ TEST_F(TraceFileTest, WhileStoppedTheAxisOfAFileWithABadPointIsTakenOver) {
 TEST_F(TraceFileTest, WhileRunningTheQuestionComesBeforeTheBadPoint) {
   AcquisitionRunning = True16;
   world.dialogs.yesNoAnswers = {true};
-  open(fileOf(traceLines("200", "0.01", pointLines(199))));
+  open(fileOf(traceLines("200", "0.01", pointLines(199)), "\n"));
   EXPECT_EQ(shownQuestions(), (Boxes{otherPeriodQuestion}));
   EXPECT_EQ(shownBoxes(), (Boxes{badPoints(endsAfter(204))}));
   EXPECT_EQ(Settings.CaptureTime, 0.01F);

@@ -150,7 +150,7 @@ TEST_F(OpenWhileRunning, OtherPointsAreRefusedWithTwoMessages) {
                       {"1", "1.23456789", "1.234568"}};
   for (const Row& row : rows) {
     world.dialogs.messages.clear();
-    open(fileOf(traceLines(row.points, row.period, pointLines(400))));
+    open(fileOf(traceLines(row.points, row.period, pointLines(400)), "\n"));
     EXPECT_EQ(shownBoxes(), (Boxes{otherPointsFirst, otherPointsSecond(row.shownPeriod)}));
     expectNotOpened();
     EXPECT_TRUE(shownQuestions().empty());
@@ -314,7 +314,7 @@ TEST_P(ReadTraceLines, DateAndTimeMayHaveAnyForm) {
     SecondProfileTrace.fill(-1);
     FileLines lines = traceLines("200", "0.0046", pointLines(200));
     lines[0] = lines[1] = lines[2] = date;
-    open(fileOf(lines));
+    open(fileOf(lines, "\n"));
     expectOpened(200);
     expectSilent();
   }
@@ -324,7 +324,7 @@ TEST_P(ReadTraceLines, NamesBeforeTheTabsAreNotRead) {
   FileLines lines = traceLines("200", "0.0046", pointLines(200));
   lines[3] = "Anzahl der Punkte, 7\t200, 8\t9";
   lines[4] = "\t0.0046";
-  open(fileOf(lines));
+  open(fileOf(lines, "\n"));
   expectOpened(200);
   expectSilent();
 }
@@ -338,7 +338,7 @@ TEST_P(ReadTraceLines, TwoNumbersStandApartByBlanksOrTabs) {
   };
   for (std::size_t point = 0; point < points.size(); ++point)
     lines[5 + point] = points[point].first;
-  open(fileOf(lines));
+  open(fileOf(lines, "\n"));
   expectSilent();
   for (std::size_t point = 0; point < points.size(); ++point) {
     EXPECT_EQ(SecondProfileTrace[point], points[point].second) << points[point].first;
@@ -355,7 +355,7 @@ TEST_P(ReadTraceLines, LinesAfterThePointsAreNotRead) {
 TEST_P(ReadTraceLines, APointCountIsALeadingWholeNumber) {
   for (const char* count : {"200", " 200 ", "200.4", "199.6", "2E2", "200 points", "+200"}) {
     SecondProfileTrace.fill(-1);
-    open(fileOf(traceLines(count, "0.0046", pointLines(200))));
+    open(fileOf(traceLines(count, "0.0046", pointLines(200)), "\n"));
     expectOpened(200);
     expectSilent();
   }

@@ -18,18 +18,6 @@ class SaveTraceTest : public TraceFileTest {
     const std::vector<float> live = levels(tracePoints);
     std::copy(live.begin(), live.end(), ProfileTrace.begin());
   }
-
-  static FileLines linesOf(const std::string& text) {
-    FileLines lines;
-    std::size_t start = 0;
-    for (std::size_t end = text.find('\n'); end != std::string::npos;
-         end = text.find('\n', start)) {
-      lines.push_back(text.substr(start, end - start));
-      start = end + 1;
-    }
-    EXPECT_EQ(start, text.size());
-    return lines;
-  }
 };
 
 TEST_F(SaveTraceTest, FileOfTheDefaultsByteForByte) {
@@ -45,7 +33,7 @@ TEST_F(SaveTraceTest, FileOfTheDefaultsByteForByte) {
   EXPECT_EQ(text.substr(0, head.size()), head);
   const std::string tail = end + "0.004577\t-59.5" + end + "0.0046\t5E-06" + end;
   EXPECT_EQ(text.substr(text.size() - tail.size()), tail);
-  EXPECT_EQ(linesOf(text).size(), 205U);
+  EXPECT_EQ(linesOf(text, "\n").size(), 205U);
   EXPECT_EQ(world.fileDialogs.titles, (std::vector<std::string>{"Save Profile"}));
   EXPECT_TRUE(received().empty());
   EXPECT_TRUE(shownBoxes().empty());
@@ -54,7 +42,7 @@ TEST_F(SaveTraceTest, FileOfTheDefaultsByteForByte) {
 TEST_F(SaveTraceTest, WritesFiveLinesAndOneForEachPoint) {
   for (const std::int16_t points : {std::int16_t{1}, std::int16_t{200}, std::int16_t{400}}) {
     Settings.DisplayPoints = points;
-    const FileLines lines = linesOf(profileTraceText());
+    const FileLines lines = linesOf(profileTraceText(), "\n");
     ASSERT_EQ(lines.size(), 5U + static_cast<std::size_t>(points));
     EXPECT_EQ(lines[3], "Graph Points\t" + std::to_string(points));
     EXPECT_EQ(lines.back().substr(0, lines.back().find('\t')), "0.0046");
@@ -65,8 +53,8 @@ TEST_F(SaveTraceTest, TimesBeginAfterTheTriggerDelay) {
   Settings.DisplayPoints = 2;
   Settings.CaptureTime = 0.5F;
   Settings.TriggerDelay = -1;
-  const FileLines lines = linesOf(profileTraceText());
-  EXPECT_EQ(fileOf(lines),
+  const FileLines lines = linesOf(profileTraceText(), "\n");
+  EXPECT_EQ(fileOf(lines, "\n"),
             "Date\t2026-11-21\nTime\t10:30:00\n\nGraph Points\t2\n"
             "Capture Period\t0.5\n-0.75\t-10\n-0.5\t-10.25\n");
 }
@@ -115,7 +103,7 @@ TEST_F(SaveTraceTest, SavesTheProfileThatStandsWhenTheUserHasAnswered) {
                     world.dialogs, answering,    world.files, world.progress, world.programEnd};
   const ServicesGuard guard(services);
   SaveProfileTrace();
-  EXPECT_EQ(linesOf(world.files.contents["/data/late.txt"]).back(), "0.0046\t-77");
+  EXPECT_EQ(linesOf(world.files.contents["/data/late.txt"], "\n").back(), "0.0046\t-77");
 }
 
 TEST_F(SaveTraceTest, SavedProfileComesBackAsTheSecondOne) {
@@ -164,7 +152,7 @@ TEST_F(SaveTraceTest, AThousandRandomProfilesSavedOpenedAndSavedAgain) {
     open(saved);
     ASSERT_TRUE(shownQuestions().empty());
 
-    const FileLines lines = linesOf(saved);
+    const FileLines lines = linesOf(saved, "\n");
     for (std::size_t point = 0; point < points; ++point) {
       const std::string& line = lines[5 + point];
       ASSERT_EQ(SecondProfileTrace[point],

@@ -7,18 +7,10 @@
 
 #include "link/Fault.h"
 #include "profile/ProfileTest.h"
+#include "support/FileLines.h"
 #include "tracefiles/ProfileTraceFile.h"
 
 namespace pulsemod::test {
-
-/// The lines of a file, or those of its beginning.
-using FileLines = std::vector<std::string>;
-
-inline std::string fileOf(const FileLines& lines, const std::string& lineEnd = "\n") {
-  std::string text;
-  for (const std::string& line : lines) text += line + lineEnd;
-  return text;
-}
 
 /// A file with these texts for the number of points and for the capture period, and with these
 /// points.
@@ -42,7 +34,7 @@ inline FileLines pointLines(std::size_t count) {
 
 /// A whole file of `points` points.
 inline std::string traceFile(std::size_t points, const std::string& capturePeriod = "0.0046") {
-  return fileOf(traceLines(std::to_string(points), capturePeriod, pointLines(points)));
+  return fileOf(traceLines(std::to_string(points), capturePeriod, pointLines(points)), "\n");
 }
 
 /// A profile window, a meter at GPIB address 13, and one trace file. All points of the second
@@ -71,8 +63,8 @@ class TraceFileTest : public ProfileTest {
     EXPECT_FALSE(view.secondProfileShown);
   }
 
-  std::vector<std::string> shownQuestions() const {
-    std::vector<std::string> boxes;
+  Boxes shownQuestions() const {
+    Boxes boxes;
     for (const ShownBox& box : world.dialogs.questions) {
       const bool question = box.icon == MessageIcon::question;
       boxes.push_back(box.title + "|" + box.text + "|" + (question ? "question" : "other"));
@@ -80,14 +72,10 @@ class TraceFileTest : public ProfileTest {
     return boxes;
   }
 
-  using Boxes = std::vector<std::string>;
-
   const std::string path = "/data/trace.txt";
   const std::string otherPeriodQuestion =
       "Capture Period Different|The Capture period of the saved file is not the same as the "
       "current setting\r\nChange to saved capture period?|question";
-  const std::string invalidFile =
-      "Open Second Profile|Invalid pmd file. Can't load graph data|none";
 };
 
 }  // namespace pulsemod::test

@@ -4,10 +4,9 @@
 
 #include "CCDFWindowBench.h"
 #include "ccdf/CCDFGraph.h"
+#include "ui/Look.h"
 
 namespace pulsemod::test {
-
-inline QColor toQt(Colour colour) { return QColor(colour.red, colour.green, colour.blue); }
 
 /// Nothing touches anything else, reaches out of the window or is cut.
 inline void checkRoom(CCDFBench& bench) {

@@ -15,21 +15,10 @@ using namespace pulsemod::test;
 namespace {
 
 /// `frmInfo` of an owner, filled by the test.
-struct Box {
-  QWidget owner;
-  std::function<void()> fill = [] {};
-  QList<bool> visible;
-  InfoBox window{&owner, {[this] { fill(); }, [this](bool shown) { visible << shown; }}};
-
-  Box() {
-    owner.setGeometry(0, 0, 200, 150);
-    owner.show();
-  }
+struct Box : ReadoutBox<InfoBox> {
+  Box() : ReadoutBox({200, 150}) {}
   QGroupBox& frame(std::size_t group) {
     return *window.findChild<QGroupBox*>(QString("FrameMeas_%1").arg(group == 0 ? 8 : group - 1));
-  }
-  QLabel& label(const char* name, std::size_t element) {
-    return *window.findChild<QLabel*>(QString("%1_%2").arg(name).arg(element));
   }
   QLabel& name(std::size_t element) { return label("lblMeasInfo", element); }
   QLabel& value(std::size_t element) { return label("lblMeasResult", element); }

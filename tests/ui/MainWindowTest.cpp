@@ -109,8 +109,6 @@ struct Main {
   }
 };
 
-QColor toQt(Colour colour) { return QColor(colour.red, colour.green, colour.blue); }
-
 }  // namespace
 
 class MainWindowTest : public QObject {

@@ -12,21 +12,10 @@ using namespace pulsemod::test;
 namespace {
 
 /// `frmMarkers` of an owner, filled by the test.
-struct Box {
-  QWidget owner;
-  std::function<void()> fill = [] {};
-  QList<bool> visible;
-  MarkersWindow window{&owner, {[this] { fill(); }, [this](bool shown) { visible << shown; }}};
-
-  Box() {
-    owner.setGeometry(0, 0, 300, 100);
-    owner.show();
-  }
+struct Box : ReadoutBox<MarkersWindow> {
+  Box() : ReadoutBox({300, 100}) {}
   QGroupBox& frame(int index) {
     return *window.findChild<QGroupBox*>(QString("frameMarker_%1").arg(index));
-  }
-  QLabel& label(const char* name, int index) {
-    return *window.findChild<QLabel*>(QString("%1_%2").arg(name).arg(index));
   }
   QLabel& power(int index) { return label("lblMarkerPow", index); }
   QLabel& unit(int index) { return label("lblMarkerUnits", index); }

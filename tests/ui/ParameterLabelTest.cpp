@@ -4,7 +4,6 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QWindow>
-#include <functional>
 #include <optional>
 
 #include "WindowTest.h"

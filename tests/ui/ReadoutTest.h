@@ -10,6 +10,7 @@
 #include <QScrollBar>
 #include <QStyle>
 #include <QtTest>
+#include <functional>
 
 /// What the tests of both readout windows check.
 
@@ -89,6 +90,25 @@ inline bool waitUntilQuiet(QWidget& window) {
   QTest::qWait(20);
   return exposed;
 }
+
+/// A readout window of an owner, filled by the test.
+template <typename Window>
+struct ReadoutBox {
+  QWidget owner;
+  std::function<void()> fill = [] {};
+  /// As the window has told it.
+  QList<bool> visible;
+  Window window{&owner, {[this] { fill(); }, [this](bool shown) { visible << shown; }}};
+
+  explicit ReadoutBox(QSize ownerSize) {
+    owner.setGeometry(QRect({0, 0}, ownerSize));
+    owner.show();
+  }
+  template <typename Index>
+  QLabel& label(const char* name, Index index) {
+    return *window.template findChild<QLabel*>(QString("%1_%2").arg(name).arg(index));
+  }
+};
 
 /// Counts the events that a change of texts must not cause.
 class WorkCounter : public QObject {
