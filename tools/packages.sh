@@ -5,7 +5,7 @@ build_packages=(g++ cmake ninja-build qt6-base-dev qt6-serialport-dev qt6-svg-de
 # A virtual screen for a machine without a display.
 screen_packages=(xvfb xauth)
 # What the tests and the static checks need besides.
-test_packages=(clang libclang-rt-14-dev libgtest-dev clang-format clang-tidy git locales poppler-utils python3
+test_packages=(clang libclang-rt-14-dev lld libgtest-dev clang-format clang-tidy git locales poppler-utils python3
   g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64
   appstream at-spi2-core dbus-daemon desktop-file-utils dpkg-dev librsvg2-bin man-db mandoc x11-utils)
 # What bench/compare measures beside the program; nothing else uses them.

@@ -32,7 +32,7 @@ class StartUpView {
   virtual void showCCDFWindow(const std::string& title) = 0;
 };
 
-/// The program's version: "1.0.0".
+/// The program's version, major, minor and revision: "0.1.0".
 std::string versionText();
 
 /// "Pelmora v" and the version: the title of a window whose meter is known.

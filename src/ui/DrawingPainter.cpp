@@ -8,6 +8,8 @@
 #include <limits>
 #include <utility>
 
+#include "ui/Look.h"
+
 namespace pulsemod {
 
 namespace {
@@ -19,8 +21,6 @@ constexpr double farthestPlace = 1e9;
 
 /// Of a curve in a picture, in the pixels of the font.
 constexpr double curveWidth = 1.5;
-
-QColor toQt(Colour colour) { return QColor(colour.red, colour.green, colour.blue); }
 
 /// Cosmetic: in device pixels, whatever the transformation.
 QPen linePen(const QColor& colour, int width) {

@@ -17,6 +17,8 @@ class MeterLine {
   virtual simmeter::FaultPlan& faults() = 0;
   /// The meter's record, which is written once a file is open.
   virtual simmeter::Transcript& transcript() = 0;
+  /// A reply, or a part of one, that the program has not read.
+  virtual bool holdsOutput() = 0;
   /// When something arrives next by itself; nothing while nothing is on its way.
   virtual std::optional<Time> nextArrival() const { return std::nullopt; }
   /// Moves what is due by now.

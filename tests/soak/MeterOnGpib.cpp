@@ -15,7 +15,7 @@ std::uint16_t busAddress(int address) { return static_cast<std::uint16_t>(addres
 
 MeterOnGpib::MeterOnGpib(const simmeter::Scenario& scenario, SimulatedTime& time,
                          TraceReader& reader)
-    : bus_(scenario, transcript_), time_(time), reader_(reader) {}
+    : address_(scenario.address), bus_(scenario, transcript_), time_(time), reader_(reader) {}
 
 bool MeterOnGpib::finish(const simmeter::CallStatus& done) {
   *status_ = done.status;
@@ -65,6 +65,12 @@ void MeterOnGpib::ReadStatusByte(int board, int address, short* statusByte) {
   } else {
     reader_.failed();
   }
+}
+
+bool MeterOnGpib::holdsOutput() {
+  short status = 0;
+  bus_.readStatusByte(0, busAddress(address_), &status);
+  return (status & messageAvailable) != 0;
 }
 
 int MeterOnGpib::ibfindA(const std::string& name) {

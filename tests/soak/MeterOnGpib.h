@@ -25,6 +25,7 @@ class MeterOnGpib : public pulsemod::GpibLibrary, public MeterLine {
   int ibonl(int descriptor, int online) override;
   std::string unusableReason() const override { return {}; }
 
+  bool holdsOutput() override;
   simmeter::FaultPlan& faults() override { return bus_.faults(); }
   simmeter::Transcript& transcript() override { return transcript_; }
 
@@ -32,6 +33,7 @@ class MeterOnGpib : public pulsemod::GpibLibrary, public MeterLine {
   /// True when it did not fail.
   bool finish(const simmeter::CallStatus& done);
 
+  int address_;
   simmeter::Transcript transcript_;
   simmeter::GpibBus bus_;
   SimulatedTime& time_;

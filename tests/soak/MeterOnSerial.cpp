@@ -25,6 +25,12 @@ void MeterOnSerial::write(std::string_view bytes) {
   lastLeaves_ = time_.now() + byteTime * static_cast<Time::rep>(outgoing_.size());
 }
 
+void MeterOnSerial::lose(const std::string& reason) {
+  failure_ = reason;
+  isOpen_ = false;
+  outgoing_.clear();
+}
+
 std::optional<Time> MeterOnSerial::nextArrival() const {
   if (!outgoing_.empty()) return lastLeaves_;
   const simmeter::Reply* reply = exchange_.reply();

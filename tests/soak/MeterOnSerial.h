@@ -17,13 +17,17 @@ class MeterOnSerial : public pulsemod::SerialPort, public MeterLine {
   void setPortNumber(int /*number*/) override {}
   void setSettings(std::string_view /*settings*/) override {}
   bool isOpen() const override { return isOpen_; }
-  bool open() override { return isOpen_ = true; }
+  bool open() override { return isOpen_ = failure_.empty(); }
   void close() override { isOpen_ = false; }
   void write(std::string_view bytes) override;
   std::size_t outputCount() const override { return outgoing_.size(); }
   std::optional<char> input() override;
-  std::string failureReason() const override { return {}; }
+  std::string failureReason() const override { return failure_; }
 
+  /// The device is gone for good.
+  void lose(const std::string& reason);
+
+  bool holdsOutput() override { return exchange_.reply() != nullptr || read_ < arrived_.size(); }
   simmeter::FaultPlan& faults() override { return exchange_.faults(); }
   simmeter::Transcript& transcript() override { return transcript_; }
   std::optional<Time> nextArrival() const override;
@@ -37,6 +41,7 @@ class MeterOnSerial : public pulsemod::SerialPort, public MeterLine {
   SimulatedTime& time_;
   TraceReader& reader_;
   bool isOpen_ = false;
+  std::string failure_;
   std::string outgoing_;
   Time lastLeaves_{};
   /// The program has read the first `read_` of them.
