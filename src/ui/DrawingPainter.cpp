@@ -307,7 +307,8 @@ void DrawingPainter::paintLines(QPainter& painter, const PictureScale& scale,
   for (const VerticalLine& line : lines) {
     const std::optional<int> column = firstColumn(scale, line);
     if (!column) continue;
-    QPointF place(*column + penWidth_ / 2, 0);
+    const int middle = *column + penWidth_ / 2;
+    QPointF place(middle, 0);
     if (area_.surface == Surface::vector) device.map({line.x, scale.top}, place);
     paintLine(painter, line, place.x());
   }

@@ -147,6 +147,15 @@ std::vector<Hand::Target> Hand::targetsIn(QWidget* window) {
   return targets;
 }
 
+std::vector<Hand::Target> Hand::targetsIn(const std::vector<QWidget*>& windows) {
+  std::vector<Target> targets;
+  for (QWidget* window : windows) {
+    if (window->isMinimized()) continue;
+    for (Target& target : targetsIn(window)) targets.push_back(std::move(target));
+  }
+  return targets;
+}
+
 /// Of two, the one that was acted on less.
 const Hand::Target& Hand::choose(const std::vector<Target>& targets) {
   const Target& one = chance_.among(targets);
@@ -159,9 +168,9 @@ void Hand::act() {
   if (QApplication::activePopupWidget() != nullptr && chance_.percent(50)) {
     return keys(QApplication::activePopupWidget(), chance_.among(someKeys));
   }
-  if (held_ && chance_.percent(80)) return moveHeld();
-  if (keyHeld_ && chance_.percent(50)) return letGo();
   const std::vector<QWidget*> windows = windowsInReach();
+  if (held_) return actWithMouseDown(windows);
+  if (keyHeld_ && chance_.percent(50)) return letGo();
   if (windows.empty()) return;
   if (QApplication::activeModalWidget() != nullptr && chance_.percent(40)) {
     answer();
@@ -169,23 +178,45 @@ void Hand::act() {
   }
   QWidget* const window = chance_.among(windows);
   if (window->isMinimized() || chance_.percent(8)) return actOnWindow(window);
-  std::vector<Target> targets;
-  for (QWidget* each : windows) {
-    if (each->isMinimized()) continue;
-    for (Target& target : targetsIn(each)) targets.push_back(std::move(target));
-  }
+  const std::vector<Target> targets = targetsIn(windows);
   if (targets.empty()) return actOnWindow(window);
   const Target& target = choose(targets);
-  const bool isSpared = std::find(spared_.begin(), spared_.end(), target.name) != spared_.end();
-  constexpr int ofSpared = 12;
-  if (isSpared && !chance_.oneIn(ofSpared)) return;
-  actOn(target);
+  if (!shies(target.name)) actOn(target);
 }
 
-void Hand::actOn(const Target& target) {
+/// There is one mouse: until it lets go, the keys alone can do something else, and what they bring
+/// up gets the release.
+void Hand::actWithMouseDown(const std::vector<QWidget*>& windows) {
+  if (QApplication::activeModalWidget() != nullptr) return letGo();
+  if (windows.empty() || chance_.percent(70)) return moveHeld();
+  std::vector<Target> byKey;
+  for (const Target& target : targetsIn(windows)) {
+    if (target.action != nullptr && !target.action->shortcut().isEmpty()) byKey.push_back(target);
+  }
+  if (byKey.empty() || chance_.percent(30)) {
+    return keys(chance_.among(windows), chance_.among(someKeys));
+  }
+  const Target& target = choose(byKey);
+  if (shies(target.name)) return;
+  note(target);
+  pressShortcut(target);
+}
+
+/// From what would end the program, most of the time.
+bool Hand::shies(const std::string& name) {
+  constexpr int ofSpared = 12;
+  const bool isSpared = std::find(spared_.begin(), spared_.end(), name) != spared_.end();
+  return isSpared && !chance_.oneIn(ofSpared);
+}
+
+void Hand::note(const Target& target) {
   record_.touched(target.name);
   ++touches_[target.name];
   record_.line("on " + target.name);
+}
+
+void Hand::actOn(const Target& target) {
+  note(target);
   target.action != nullptr ? actOnAction(target) : actOnWidget(target.widget);
 }
 
@@ -264,13 +295,16 @@ bool Hand::close(QWidget* window) {
 
 // Menus.
 
+void Hand::pressShortcut(const Target& target) {
+  QWidget* const window = target.widget->window();
+  window->activateWindow();
+  keys(window, textOf(target.action->shortcut().toString(QKeySequence::PortableText)).c_str());
+}
+
 void Hand::actOnAction(const Target& target) {
   const QPointer<QAction> action = target.action;
+  if (!action->shortcut().isEmpty() && chance_.percent(35)) return pressShortcut(target);
   target.widget->window()->activateWindow();
-  if (!action->shortcut().isEmpty() && chance_.percent(35)) {
-    return keys(target.widget->window(),
-                textOf(action->shortcut().toString(QKeySequence::PortableText)).c_str());
-  }
   auto* const menu = qobject_cast<QMenu*>(action->parent());
   auto* const bar = qobject_cast<QMenuBar*>(target.widget);
   if (menu == nullptr) return action->trigger();
@@ -300,9 +334,7 @@ void Hand::actInMenu(QMenu* menu) {
   QAction* const item = chance_.among(items);
   const QWidget* const owner = menu->parentWidget() != nullptr ? menu->parentWidget() : menu;
   const std::string name = windowName(*owner) + "/" + actionName(*item);
-  constexpr int ofSpared = 12;
-  const bool isSpared = std::find(spared_.begin(), spared_.end(), name) != spared_.end();
-  if (isSpared && !chance_.oneIn(ofSpared)) return;
+  if (shies(name)) return;
   record_.saw(name, item->isEnabled());
   record_.touched(name);
   record_.line("in the menu on " + name);

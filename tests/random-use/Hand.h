@@ -49,9 +49,14 @@ class Hand {
     std::string name;
   };
   std::vector<Target> targetsIn(QWidget* window);
+  std::vector<Target> targetsIn(const std::vector<QWidget*>& windows);
   void collectActions(const QList<QAction*>& actions, QWidget* bar, std::vector<Target>& targets);
   const Target& choose(const std::vector<Target>& targets);
+  bool shies(const std::string& name);
+  void note(const Target& target);
+  void actWithMouseDown(const std::vector<QWidget*>& windows);
   void actOn(const Target& target);
+  void pressShortcut(const Target& target);
   void actOnAction(const Target& target);
   void actOnWidget(QWidget* widget);
   void actOnWindow(QWidget* window);
