@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QIcon>
+#include <QTimer>
 
 #include "Program.h"
 
@@ -17,6 +18,8 @@ int main(int argc, char** argv) {
   QApplication application(argc, argv);
   // The name of the installed desktop file: it is how a desktop finds the program's name and icon.
   QApplication::setDesktopFileName(QStringLiteral("org.pelmora.PulseMod"));
-  QApplication::setWindowIcon(windowIcon());
+  // The first window stands before its icon is decoded, which would take a tenth of the start.
+  constexpr int firstWindowMs = 200;
+  QTimer::singleShot(firstWindowMs, [] { QApplication::setWindowIcon(windowIcon()); });
   return pulsemod::runProgram(application);
 }

@@ -188,8 +188,13 @@ class Start(unittest.TestCase):
         process, robot = self.start("pulsemod-simulated", **screen)
         robot.ask("until", "frmConfigureQuestion", "visible", "true")
         title = robot.ask("get", "frmConfigureQuestion", "windowTitle")
-        said = run("xprop", "-display", screen["DISPLAY"], "-name", title, "-notype", "-len", "99999",
-                   "-f", "WM_CLASS", "8s", "-f", "_NET_WM_ICON", "32c", "WM_CLASS", "_NET_WM_ICON")
+        end = time.monotonic() + 10
+        said = ""
+        # It follows the first window.
+        while "_NET_WM_ICON = " not in said and time.monotonic() < end:
+            time.sleep(0.1)
+            said = run("xprop", "-display", screen["DISPLAY"], "-name", title, "-notype", "-len", "99999",
+                       "-f", "WM_CLASS", "8s", "-f", "_NET_WM_ICON", "32c", "WM_CLASS", "_NET_WM_ICON")
         # The class is what StartupWMClass of the menu entry says.
         self.assertIn('WM_CLASS = "pulsemod", "pulsemod"', said)
         self.assertIn("_NET_WM_ICON = ", said)

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <string_view>
 #include <vector>
 
 #include "ccdf/CCDFGraphFile.h"
@@ -21,6 +22,16 @@ namespace {
 
 void write(const std::string& name, const std::string& content) {
   std::ofstream(name, std::ios::binary) << content;
+}
+
+/// With more points than the program holds.
+std::string withTooManyPoints(std::string text) {
+  constexpr std::string_view head = "Graph Points\t";
+  constexpr int tooMany = 450;
+  const std::size_t count = text.find(head) + head.size();
+  text.replace(count, text.find_first_of("\r\n", count) - count, std::to_string(tooMany));
+  for (int point = 0; point < tooMany; ++point) text += "1\t1\r\n";
+  return text;
 }
 
 /// The inputs that the fuzzers of the files began with, spoilt ones for the most part.
@@ -62,6 +73,8 @@ void Playground::fill() {
   write("curve.txt", pulsemod::ccdfGraphText());
   write("settings.txt", pulsemod::settingsText());
   write("folder/settings.txt", pulsemod::settingsText());
+  write("long-profile.txt", withTooManyPoints(pulsemod::profileTraceText()));
+  write("long-curve.txt", withTooManyPoints(pulsemod::ccdfGraphText()));
   write("half.txt", pulsemod::profileTraceText().substr(0, 300));
   write("empty.txt", "");
   write("noise.txt", std::string(5000, '\xfe'));
