@@ -116,13 +116,13 @@ QRect DrawingPainter::extent(const Drawing& drawing, std::size_t first, std::siz
     if (step.kind == DrawingStep::Kind::text) {
       extent |= textExtent(scale, drawing, step, font);
     } else {
-      extent |= lineExtent(scale, drawing, step);
+      extent |= pathExtent(scale, drawing, step);
     }
   }
   return extent;
 }
 
-QRect DrawingPainter::lineExtent(const DeviceScale& scale, const Drawing& drawing,
+QRect DrawingPainter::pathExtent(const DeviceScale& scale, const Drawing& drawing,
                                  const DrawingStep& step) const {
   if (step.pointCount == 0) return {};
   constexpr double infinity = std::numeric_limits<double>::infinity();

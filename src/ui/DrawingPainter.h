@@ -78,7 +78,7 @@ class DrawingPainter {
   void forgetTexts() { preparedTexts_.clear(); }
 
  private:
-  QRect lineExtent(const DeviceScale& scale, const Drawing& drawing, const DrawingStep& step) const;
+  QRect pathExtent(const DeviceScale& scale, const Drawing& drawing, const DrawingStep& step) const;
   QRect textExtent(const DeviceScale& scale, const Drawing& drawing, const DrawingStep& step,
                    const QFont& font);
   /// Of a vertical line, in device pixels; nothing for one beside the area.
@@ -96,6 +96,7 @@ class DrawingPainter {
   void paintLine(QPainter& painter, const VerticalLine& line, double x);
   double lineWidth() const;
   QPointF keptInside(const QPointF& place, const QSizeF& size) const;
+
   SurfaceArea area_;
   int penWidth_ = 1;
 

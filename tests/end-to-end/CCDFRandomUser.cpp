@@ -98,7 +98,7 @@ void CCDFRandomUser::dragOn() {
     if (oneIn(6)) point.x = oneIn(2) ? -outside : width_ + outside;
     if (oneIn(6)) point.y = between(-outside, height_ + outside);
     // Where the axis is not known the cursor could leave it.
-    if (startIsKnown_ && stopIsKnown_) move(point);
+    if (axisIsKnown()) move(point);
   }
 }
 
@@ -106,7 +106,11 @@ void CCDFRandomUser::dragOn() {
 void CCDFRandomUser::disturbThePress() {
   constexpr std::array keys = {"Shift+F5", "Shift+F5", "F5", "F6", "F8"};
   if (oneIn(6)) {
+    // The cursor goes with the pointer, which now stands at another power: where the axis is known
+    // the next move brings it back inside every axis.
+    if (!axisIsKnown()) return;
     resizeTheWindow();
+    lookAtTheGraph();
     return;
   }
   const std::string key = keys[number(keys.size())];

@@ -47,6 +47,7 @@ class CCDFRandomUser : public UserAtRandom {
   void openAMenu();
   void resizeTheWindow();
 
+  bool axisIsKnown() const { return startIsKnown_ && stopIsKnown_; }
   bool cursorIsOn() { return hands_.is("frmCCDF/menuOFF", "enabled"); }
   std::string cursorText();
   void lookAtTheGraph();

@@ -28,7 +28,9 @@ void write(const std::string& name, const std::string& content) {
 std::string withTooManyPoints(std::string text) {
   constexpr std::string_view head = "Graph Points\t";
   constexpr int tooMany = 450;
-  const std::size_t count = text.find(head) + head.size();
+  const std::size_t at = text.find(head);
+  if (at == std::string::npos) std::abort();
+  const std::size_t count = at + head.size();
   text.replace(count, text.find_first_of("\r\n", count) - count, std::to_string(tooMany));
   for (int point = 0; point < tooMany; ++point) text += "1\t1\r\n";
   return text;
@@ -93,6 +95,8 @@ std::string Playground::anyName(Chance& chance) {
   static const std::vector<std::string> odd{"half.txt",
                                             "empty.txt",
                                             "noise.txt",
+                                            "long-profile.txt",
+                                            "long-curve.txt",
                                             "huge.txt",
                                             "unreadable.txt",
                                             "broken-link.txt",

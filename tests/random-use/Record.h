@@ -16,9 +16,8 @@ struct Figures {
   std::uint64_t inModal = 0;     ///< acts while a dialog's own event loop ran
   std::uint64_t inExchange = 0;  ///< acts in the middle of a conversation with the meter
   std::uint64_t boxes = 0;
-  std::uint64_t files = 0;     ///< file questions
-  std::uint64_t faults = 0;    ///< that struck
-  std::uint64_t messages = 0;  ///< that the meter got
+  std::uint64_t files = 0;   ///< file questions
+  std::uint64_t faults = 0;  ///< that struck
   std::uint64_t rests = 0;
   std::uint64_t live = 0;  ///< rests after which a start brought traces
   std::uint64_t told = 0;  ///< rests after which a box said why it cannot
