@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QImage>
 #include <QImageReader>
 #include <QKeyEvent>
 #include <QScreen>
@@ -41,6 +42,13 @@ QTextCursor cursorOver(QTextDocument* document, int position, int length) {
   cursor.setPosition(position);
   cursor.setPosition(position + length, QTextCursor::KeepAnchor);
   return cursor;
+}
+
+/// Of that many pixels, or of its own if these are less: a text leaves out pixels of a picture that
+/// is too large for its place, and with them parts of letters.
+QImage pictureOf(const QString& file, int natural, int pixels) {
+  const QImage picture(file);
+  return pixels < natural ? picture.scaledToWidth(pixels, Qt::SmoothTransformation) : picture;
 }
 
 }  // namespace
@@ -97,7 +105,10 @@ void GuideBrowser::prepareHeadings() {
 }
 
 void GuideBrowser::fitPictures() {
+  // While the first page is being read its text has no place yet that pictures are named from.
+  if (source().isEmpty()) return;
   const int room = viewport()->width() - 2 * static_cast<int>(document()->documentMargin());
+  bool changed = false;
   for (const QTextFragment& fragment : fragmentsOf(*document())) {
     if (!fragment.charFormat().isImageFormat()) continue;
     QTextImageFormat picture = fragment.charFormat().toImageFormat();
@@ -106,12 +117,16 @@ void GuideBrowser::fitPictures() {
     if (natural <= 0) continue;
     const int width = std::clamp(room, 1, natural);
     if (picture.width() == width) continue;
+    document()->addResource(
+        QTextDocument::ImageResource, file,
+        pictureOf(file.toLocalFile(), natural, qRound(width * devicePixelRatioF())));
     picture.setWidth(width);
     cursorOver(document(), fragment.position(), fragment.length()).setCharFormat(picture);
+    changed = true;
   }
   // Else the layout, which is made in steps, leaves out most of what stands below a changed
   // picture.
-  document()->markContentsDirty(0, document()->characterCount());
+  if (changed) document()->markContentsDirty(0, document()->characterCount());
 }
 
 void GuideBrowser::changeEvent(QEvent* event) {

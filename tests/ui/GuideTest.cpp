@@ -38,6 +38,14 @@ QStringList allOf(const QString& text, const char* pattern) {
   return found;
 }
 
+bool holdsPicture(const QTextBlock& block, const QString& name) {
+  for (auto piece = block.begin(); !piece.atEnd(); ++piece) {
+    const QTextCharFormat format = piece.fragment().charFormat();
+    if (format.isImageFormat() && format.toImageFormat().name() == name) return true;
+  }
+  return false;
+}
+
 Shortcuts shortcutsOf(const QMainWindow& window) {
   Shortcuts shortcuts;
   for (const QAction* entry : window.menuBar()->actions()) {
@@ -81,10 +89,12 @@ class GuideTest : public QObject {
   Q_OBJECT
 
  private slots:
+  void init() { QTest::failOnWarning(QRegularExpression(".*")); }
   void tableHasTheKeysOfTheProfileView();
   void tableHasTheKeysOfTheCCDFView();
   void pictures();
   void linksLeadToHeadings();
+  void narrowPicturesKeepTheirLines();
   void everyLineHasItsPlace();
   void linksFollowTheDesktop();
 };
@@ -121,6 +131,32 @@ void GuideTest::linksLeadToHeadings() {
   const QStringList links = allOf(guide, R"(\]\(#([^)]*)\))");
   QVERIFY(!links.isEmpty());
   for (const QString& link : links) QVERIFY2(anchors.contains(link), qPrintable(link));
+}
+
+/// In a narrow window the fine lines of a graph are thinner and paler, but there.
+void GuideTest::narrowPicturesKeepTheirLines() {
+  const QUrl guide = QUrl::fromLocalFile(QDir(sourceTree).filePath("docs/user-guide.md"));
+  const QString name = "pictures/dragging.png";
+  GuideBrowser browser;
+  browser.resize(500, 760);
+  browser.show();
+  browser.setSource(guide);
+  QTextBlock block = browser.document()->begin();
+  while (block.isValid() && !holdsPicture(block, name)) block = block.next();
+  QVERIFY(block.isValid());
+  const QRectF place = browser.document()->documentLayout()->blockBoundingRect(block);
+  browser.verticalScrollBar()->setValue(static_cast<int>(place.top()));
+  const QImage whole(guide.resolved(QUrl(name)).toLocalFile());
+  const QImage shown = browser.viewport()->grab().toImage();
+  const int margin = static_cast<int>(browser.document()->documentMargin());
+  const int width = browser.viewport()->width() - 2 * margin;
+  QVERIFY(width < whole.width());
+  const QImage expected =
+      whole.scaledToWidth(width, Qt::SmoothTransformation).convertToFormat(QImage::Format_RGB32);
+  const int top = static_cast<int>(place.top()) - browser.verticalScrollBar()->value();
+  QCOMPARE(
+      shown.copy(QRect(QPoint(margin, top), expected.size())).convertToFormat(QImage::Format_RGB32),
+      expected);
 }
 
 /// The whole guide is laid out, at any width.
