@@ -38,7 +38,9 @@ void MeterRecord::take(std::string_view line) {
     lastMessage_ = line.substr(kind.size() + 1);
     if (std::exchange(answered_, false)) struck_ = refused_ = false;
     // What has failed because of it is over with the message after that.
-    if (std::exchange(cleared_, lastMessage_.starts_with("\"*CLS"))) faultPending_ = false;
+    if (std::exchange(cleared_, lastMessage_.starts_with("\"*CLS"))) {
+      faultPending_ = refusalPending_ = false;
+    }
   } else if (kind == ">") {
     for (const char* query : {"\"PMPBO ", "\"PMPO ", "\"TTFRO "}) {
       if (lastMessage_.starts_with(query)) ++traces_;
@@ -49,7 +51,7 @@ void MeterRecord::take(std::string_view line) {
     struck_ = faultPending_ = true;
     answered_ = false;
   } else if (kind == "ERROR") {
-    refused_ = true;
+    refused_ = refusalPending_ = true;
     answered_ = false;
   } else if (kind == "INTERRUPTED" || kind == "INTERRUPTED-AFTER-TIMEOUT") {
     if (!struck_) complaint_ = std::string(line) + " after " + lastMessage_;

@@ -25,6 +25,8 @@ class MeterRecord {
   bool isExcused() const { return struck_ || refused_; }
   /// What a fault has left in the meter's registers may still make a query fail.
   bool hasFaultPending() const { return faultPending_; }
+  /// What the meter has refused still makes the next query over GPIB fail.
+  bool hasRefusalPending() const { return refusalPending_; }
   /// A query that was interrupted without such a reason; empty for none.
   const std::string& complaint() const { return complaint_; }
 
@@ -41,6 +43,7 @@ class MeterRecord {
   bool refused_ = false;
   bool answered_ = false;
   bool faultPending_ = false;
+  bool refusalPending_ = false;
   bool cleared_ = false;
   std::string complaint_;
 };

@@ -307,7 +307,9 @@ void Watch::end() {
   const bool isCCDF =
       mainWindow() != nullptr && mainWindow()->objectName() == QLatin1String("frmCCDF");
   // By rule: a curve that fails, and a profile over RS232, whose port is gone.
-  const bool readFailed = pulsemod::linkIsLost() || (isCCDF && meter().hasFaultPending());
+  const bool curveFailed =
+      meter().hasFaultPending() || (!overSerial() && meter().hasRefusalPending());
+  const bool readFailed = pulsemod::linkIsLost() || (isCCDF && curveFailed);
   record_.expect(
       byUser || atQuestion || mayEnd_ || readFailed || (mainWindow() == nullptr && said("Escape")),
       "the program ended and nobody knows why");
