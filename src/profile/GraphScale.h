@@ -19,7 +19,7 @@ bool graphHasTimeAxis();
 
 /// Time in seconds to graph x, clamped to 0 ... `DisplayPoints`. So the trigger delay itself lies
 /// at x = 0, one point left of the visible edge. A capture time or a number of points of zero is a
-/// `Fault`.
+/// `Fault`, and so is a column beyond the range of a single before it is clamped.
 float TimeToGraphX(float seconds);
 
 /// Graph x to time in seconds, not clamped. Display points of zero are a `Fault`.

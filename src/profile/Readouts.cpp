@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string>
 
+#include "link/Fault.h"
 #include "link/MeterLink.h"
 #include "link/NumberText.h"
 #include "link/ReplyText.h"
@@ -58,7 +59,11 @@ void readMarker(std::size_t index) {
   MarkerSettings& marker = Settings.Markers[index];
   marker.Reading = *reading;
   marker.Position = *position;
-  PositionMarker(marker);
+  try {
+    PositionMarker(marker);
+  } catch (const Fault&) {
+    // Reported when the marker is drawn, once.
+  }
 }
 
 void showGroup(InfoBoxView& view, std::size_t group) {

@@ -40,12 +40,13 @@ void ReadGateMeasurements(GateMeasurementMode mode);
 /// Gates when one is on, else the whole profile.
 GateMeasurementMode presentGateMeasurementMode();
 
-/// The graph column of a marker from its position; a graph without a time axis leaves it.
+/// The graph column of a marker from its position; a graph without a time axis leaves it. A
+/// position so far outside that no single holds its column is a `Fault`.
 void PositionMarker(MarkerSettings& marker);
 
 /// Reads the power and the position of each marker 1 to 4 that is on (MKNO), and its graph column.
 /// A failed query, and a reply that ends before the position, leave the marker as it was; a
-/// graph without a time axis leaves its column. The delta marker is not read.
+/// position that has no column leaves the old one. The delta marker is not read.
 void ReadMarkerReadings();
 
 /// Names, values and units into `frmInfo`, if it is open. The frames of the meter's own gates are

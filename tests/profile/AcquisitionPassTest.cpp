@@ -377,6 +377,21 @@ TEST_F(AcquisitionPassTest, EditThatLeavesNoTimeAxisIsToldOnceAlthoughAMarkerIsO
   EXPECT_EQ(AcquisitionRunning, False16);
 }
 
+TEST_F(AcquisitionPassTest, MarkerTooFarAwayForTheGraphIsToldOnceAndStopsTheAcquisition) {
+  switchMarkerOn(1);
+  world.meter.replies["MKNO 1,1"] = "MKNO 1,1,-34.5,DBM,3.3E38";
+  AcquireProfile();
+  expectOneBox("Overflow");
+  EXPECT_EQ(AcquisitionRunning, False16);
+
+  // Drawn again as it is, and started again, it is told no more.
+  RefreshPicture();
+  AcquisitionRunning = True16;
+  AcquireProfile();
+  EXPECT_EQ(AcquisitionRunning, False16);
+  EXPECT_EQ(world.dialogs.messages.size(), 1U);
+}
+
 TEST_F(AcquisitionPassTest, DrawingFaultIsToldOnceAndStopsTheAcquisition) {
   AcquireProfile();
   Settings.DisplayPoints = 500;

@@ -123,6 +123,14 @@ TEST_F(MarkerReadingsTest, NumbersThatDoNotFitLeaveTheMarkerAsItWas) {
   }
 }
 
+/// Found by fuzzing: it ended the pass, and the drawing would have told it a second time.
+TEST_F(MarkerReadingsTest, PositionTooFarAwayForAColumnLeavesTheColumn) {
+  readSecondMarker("MKNO 1,2,-34.5,DBM,3.3E38");
+  EXPECT_EQ(marker(2).Reading, -34.5F);
+  EXPECT_EQ(marker(2).Position, 3.3E+38F);
+  EXPECT_EQ(marker(2).PositionX, 42);
+}
+
 TEST_F(MarkerReadingsTest, TextInPlaceOfAReadingIsZero) {
   readSecondMarker("MKNO 1,2,---,DBM,0.0023");
   EXPECT_EQ(marker(2).Reading, 0.0F);
