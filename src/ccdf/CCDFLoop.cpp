@@ -17,6 +17,7 @@ namespace pulsemod {
 
 namespace {
 
+/// A curve that came whole is shown, also when the port was lost after it.
 void acquire() {
   const float start = services().clock.secondsSinceMidnight();
   const bool read = ReadCCDFData();
@@ -25,8 +26,7 @@ void acquire() {
     ReadCursor();
     UpdateCursorLabels();
   }
-  if (linkIsLost()) return;
-  if (read) {
+  if (read && !linkIsLost()) {
     if (const auto rate = rateText(start)) ccdfView().showRate(*rate, rateToolTip);
   }
   if (!RefreshCCDFGraph()) StopCCDF();

@@ -27,12 +27,7 @@ bool aMarkerIsOn() {
                      [](const MarkerSettings& marker) { return marker.Enabled != False16; });
 }
 
-void acquire() {
-  const float start = services().clock.secondsSinceMidnight();
-  ProfileReadFailed = !ReadProfile();
-  CarryOutPendingEdits();
-  if (ProfileReadFailed || linkIsLost()) return;
-  if (const auto rate = rateText(start)) profileView().showRate(*rate, rateToolTip);
+void readOut() {
   if (profileView().infoBox() != nullptr) {
     ReadGateMeasurements(presentGateMeasurementMode());
     UpdateInfoBox();
@@ -40,6 +35,18 @@ void acquire() {
   if (aMarkerIsOn()) {
     ReadMarkerReadings();
     UpdateMarkersWindow();
+  }
+}
+
+/// A profile that came whole is shown, also when the port was lost after it.
+void acquire() {
+  const float start = services().clock.secondsSinceMidnight();
+  ProfileReadFailed = !ReadProfile();
+  CarryOutPendingEdits();
+  if (ProfileReadFailed) return;
+  if (!linkIsLost()) {
+    if (const auto rate = rateText(start)) profileView().showRate(*rate, rateToolTip);
+    readOut();
   }
   if (!RefreshPicture()) StopAcquisition();
   services().events.processPending();

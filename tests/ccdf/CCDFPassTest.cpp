@@ -246,9 +246,24 @@ TEST_F(CCDFPassTest, SerialPortLostAtARequestIsToldOnceAndStops) {
   EXPECT_EQ(shownBoxes(), (Boxes{"Pelmora|The serial port was lost.|exclamation"}));
   EXPECT_EQ(AcquisitionRunning, False16);
   EXPECT_EQ(view.calls.back(), "stopped");
-  EXPECT_EQ(view.picture.timesShown, 0);
+  EXPECT_EQ(view.picture.timesShown, 1) << "the curve had come whole";
   EXPECT_THROW(AcquireCCDF(), WaitsForEver);
   EXPECT_EQ(shownBoxes().size(), 1U);
+}
+
+TEST_F(CCDFPassTest, SerialPortLostAtTheCursorLeavesTheCurveOnTheScreen) {
+  world.useSerial();
+  showCursorOn();
+  world.meter.onMessage = [this](const std::string& message) {
+    if (message == "TTMKRO 1") world.serial.lose();
+  };
+  AcquireCCDF();
+  EXPECT_EQ(received(), withCurve({"TTMKRO 1"}));
+  EXPECT_EQ(shownBoxes(), (Boxes{"Pelmora|The serial port was lost.|exclamation"}));
+  EXPECT_EQ(view.calls, (Calls{"cursor -20dBm 5%", "stopped"})) << "as it was, and no rate";
+  EXPECT_EQ(view.picture.timesShown, 1);
+  ASSERT_EQ(view.picture.shown.polylines.size(), 1U);
+  EXPECT_NEAR(view.picture.shown.polylines[0].points[2].y, std::log10(1.5), 1e-6);
 }
 
 TEST_F(CCDFPassTest, SerialPortLostInTheCurveEndsTheProgramWithoutAMessage) {

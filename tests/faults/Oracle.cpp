@@ -459,7 +459,7 @@ void Oracle::pass() {
   talk([this] {
     const bool read = readProfile();
     carryOutPending();
-    if (read && !link_.lost()) {
+    if (read) {
       if (infoBoxOpen) readResults();
       readMarkerReadings();
       if (!drawProfile(false)) stopNow();

@@ -141,8 +141,7 @@ void Oracle::ccdfPass() {
         readCursor();
         showCursor();
       }
-      if (link_.lost()) return stopCcdfNow();
-      if (!drawCurve()) stopCcdfNow();
+      if (!drawCurve() || link_.lost()) stopCcdfNow();
     });
   } catch (const Fault& fault) {
     stopCcdf();

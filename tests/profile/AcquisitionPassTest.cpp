@@ -457,6 +457,25 @@ TEST_F(AcquisitionPassTest, SerialPortLostInAPassEndsTheProgramWithoutABox) {
   EXPECT_EQ(view.picture.timesShown, 0);
 }
 
+TEST_F(AcquisitionPassTest, SerialPortLostAtAnEditLeavesTheProfileOnTheScreen) {
+  world.useSerial();
+  openInfoBox({2});
+  switchMarkerOn(1);
+  editReference(5);
+  world.meter.onMessage = [this](const std::string& message) {
+    if (message == "PMPREF 1,DB,5") world.serial.lose();
+  };
+  AcquireProfile();
+  EXPECT_EQ(received(), (Transcript{"TR1 1", "PMPO 1", "PMPREF 1,DB,5"}));
+  expectOneBox("The serial port was lost.");
+  EXPECT_EQ(view.menus, (std::vector<std::string>{"stopped"}));
+  EXPECT_EQ(view.timesRateShown, 0);
+  EXPECT_TRUE(view.info.results.empty());
+  ASSERT_EQ(view.picture.shown.polylines.size(), 1U);
+  EXPECT_EQ(view.picture.shown.polylines[0].points[199],
+            (PicturePoint{200, static_cast<double>(levels(200)[199])}));
+}
+
 TEST_F(AcquisitionPassTest, SerialPassSetsThePointsThatItDraws) {
   world.useSerial();
   answerProfile(levels(400));
