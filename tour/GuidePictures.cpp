@@ -48,12 +48,11 @@ void GuidePictures::ofCCDF() {
 
 /// From 5 dBm, of -30 to 20 dBm, until the share of its new place is read.
 void GuidePictures::dragCursor() {
-  const std::string graph = "frmCCDF/CCDFGraphPic";
   const std::string share = hands_.get("frmCCDF/lblCursorPercentage", "text");
-  moveOnGraph(hands_, graph, "move", 0.7);
-  moveOnGraph(hands_, graph, "press", 0.7);
-  moveOnGraph(hands_, graph, "move", 0.8);
-  moveOnGraph(hands_, graph, "release", 0.8);
+  moveOnGraph(hands_, robot::ccdfGraph, "move", 0.7);
+  moveOnGraph(hands_, robot::ccdfGraph, "press", 0.7);
+  moveOnGraph(hands_, robot::ccdfGraph, "move", 0.8);
+  moveOnGraph(hands_, robot::ccdfGraph, "release", 0.8);
   hands_.waitWhile("frmCCDF/lblCursorPercentage", "text", share);
 }
 
@@ -145,13 +144,12 @@ void GuidePictures::savePicture() {
 /// Gate 1 begins at this share of the graph: 0.05 ms, of 2 ms from -0.2 ms on.
 void GuidePictures::dragGate() {
   constexpr double gateStart = 0.125;
-  const std::string graph = "frmMain/GraphPic";
-  moveOnGraph(hands_, graph, "move", gateStart);
+  moveOnGraph(hands_, robot::profileGraph, "move", gateStart);
   hands_.waitVisible("lblgate");
-  moveOnGraph(hands_, graph, "press", gateStart);
-  moveOnGraph(hands_, graph, "move", 0.17);
+  moveOnGraph(hands_, robot::profileGraph, "press", gateStart);
+  moveOnGraph(hands_, robot::profileGraph, "move", 0.17);
   take("dragging", "frmMain");
-  moveOnGraph(hands_, graph, "release", 0.17);
+  moveOnGraph(hands_, robot::profileGraph, "release", 0.17);
   hands_.waitGone("lblgate");
 }
 

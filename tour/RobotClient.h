@@ -8,6 +8,10 @@
 
 namespace robot {
 
+/// What the mouse works on: the graph of each main window.
+inline constexpr auto profileGraph = "frmMain/GraphPic";
+inline constexpr auto ccdfGraph = "frmCCDF/CCDFGraphPic";
+
 /// The robot could not do what it was asked for: the reason and the windows on the screen.
 class RobotError : public std::runtime_error {
  public:

@@ -75,7 +75,7 @@ void CCDFBench::expectProgramEndsByClose() {
 
 Pixels CCDFBench::grabGraph() {
   const std::filesystem::path file = folder() / "graph.ppm";
-  hands().grab("frmCCDF/CCDFGraphPic", file);
+  hands().grab(robot::ccdfGraph, file);
   return readPixels(file);
 }
 

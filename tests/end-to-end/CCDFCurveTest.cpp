@@ -114,7 +114,7 @@ class CCDFCurve : public CCDFBench {
 ON_BOTH_LINKS(CCDFCurve);
 
 int graphWidth(robot::RobotClient& hands) {
-  std::istringstream place(hands.get("frmCCDF/CCDFGraphPic", "place"));
+  std::istringstream place(hands.get(robot::ccdfGraph, "place"));
   int skipped = 0;
   int width = 0;
   place >> skipped >> skipped >> width;

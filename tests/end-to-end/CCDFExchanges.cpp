@@ -6,9 +6,9 @@ namespace endtoend {
 
 namespace {
 
-class Reader : public ExchangeReader {
+class CurvePassReader : public ExchangeReader {
  public:
-  explicit Reader(const std::vector<std::string>& messages) : ExchangeReader(messages) {}
+  explicit CurvePassReader(const std::vector<std::string>& messages) : ExchangeReader(messages) {}
 
  private:
   /// A pass, a restart while stopped, or requests that were carried out while stopped.
@@ -45,7 +45,7 @@ class Reader : public ExchangeReader {
 }  // namespace
 
 std::string brokenCCDFExchanges(const std::vector<std::string>& messages) {
-  return Reader(messages).read("PPACQRT 1");
+  return CurvePassReader(messages).read("PPACQRT 1");
 }
 
 }  // namespace endtoend

@@ -9,7 +9,6 @@ namespace endtoend {
 
 namespace {
 
-constexpr auto graph = "frmCCDF/CCDFGraphPic";
 constexpr auto positionCommand = "TTMKPOS 1,";
 constexpr auto switchCommand = "TTMKS 1,";
 
@@ -208,7 +207,7 @@ std::string CCDFRandomUser::cursorText() {
 }
 
 void CCDFRandomUser::lookAtTheGraph() {
-  std::istringstream place(hands_.get(graph, "place"));
+  std::istringstream place(hands_.get(robot::ccdfGraph, "place"));
   int left = 0;
   int top = 0;
   place >> left >> top >> width_ >> height_;
@@ -234,13 +233,13 @@ CCDFRandomUser::Point CCDFRandomUser::atTheCursor() {
 }
 
 void CCDFRandomUser::move(Point point) {
-  hands_.mouse("move", graph, point.x, point.y);
+  hands_.mouse("move", robot::ccdfGraph, point.x, point.y);
   pointer_ = point;
 }
 
 void CCDFRandomUser::press(Point point) {
   move(point);
-  hands_.mouse("press", graph, point.x, point.y);
+  hands_.mouse("press", robot::ccdfGraph, point.x, point.y);
   pressed_ = true;
   cursorAtPress_ = cursorText();
 }
@@ -248,7 +247,7 @@ void CCDFRandomUser::press(Point point) {
 void CCDFRandomUser::release() {
   const std::string cursor = cursorText();
   const bool sent = cursorIsOn();
-  hands_.mouse("release", graph, pointer_.x, pointer_.y);
+  hands_.mouse("release", robot::ccdfGraph, pointer_.x, pointer_.y);
   pressed_ = false;
   if (cursor == cursorAtPress_) return;
   if (sent) {
@@ -274,7 +273,7 @@ void CCDFRandomUser::clearTheWay() {
   if (std::exchange(pressed_, false)) {
     // A box ended the press: the cursor was sent from somewhere on its way.
     lastEdits_.erase(positionCommand);
-    hands_.mouse("release", graph, pointer_.x, pointer_.y);
+    hands_.mouse("release", robot::ccdfGraph, pointer_.x, pointer_.y);
   }
   if (lastEdits_.contains(switchCommand)) lastEdits_[switchCommand] = cursorIsOn() ? "ON" : "OFF";
   hands_.giveUpAt("messageBox");

@@ -7,7 +7,6 @@
 namespace endtoend {
 namespace {
 
-constexpr auto graph = "frmCCDF/CCDFGraphPic";
 constexpr auto hasChanged = "The measurement source is changed";
 constexpr auto limited = "Can not change measurement source, Put current mode limit ";
 
@@ -32,7 +31,7 @@ class CCDFRun : public CCDFBench {
   std::string rate() { return caption("lblgraphspeed1"); }
 
   void findGraph() {
-    std::istringstream place(hands().get(graph, "place"));
+    std::istringstream place(hands().get(robot::ccdfGraph, "place"));
     int skipped = 0;
     place >> skipped >> skipped >> width_;
     ASSERT_GT(width_, 0);
@@ -42,7 +41,7 @@ class CCDFRun : public CCDFBench {
     return static_cast<int>(std::lround((power + 30) / 50 * width_));
   }
   double powerAt(int pixel) const { return -30 + 50.0 * pixel / width_; }
-  void step(const std::string& kind, int x) { hands().mouse(kind, graph, x, 20); }
+  void step(const std::string& kind, int x) { hands().mouse(kind, robot::ccdfGraph, x, 20); }
 
   /// "-3.25dBm" as the number; the label must have three decimals at the most.
   double cursorPower() { return std::stod(caption("lblCursorPower")); }

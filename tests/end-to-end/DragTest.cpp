@@ -8,10 +8,9 @@
 namespace endtoend {
 namespace {
 
-constexpr auto graph = "frmMain/GraphPic";
 constexpr double delay = -2e-4;
 constexpr double capture = 2e-3;
-constexpr int points = 400;
+constexpr int graphPoints = 400;
 /// Where neither an edge nor another gate is.
 constexpr double emptyPlace = 1.5e-3;
 
@@ -53,7 +52,7 @@ class Drag : public ProfileBench {
  protected:
   void load(const std::string& scenario = {}) {
     startLoaded(GetParam(), scenario);
-    std::istringstream place(hands().get(graph, "place"));
+    std::istringstream place(hands().get(robot::profileGraph, "place"));
     int skipped = 0;
     place >> skipped >> skipped >> width_;
     ASSERT_GT(width_, 0);
@@ -62,10 +61,11 @@ class Drag : public ProfileBench {
   /// The left edge of the graph is point 1.
   int pixelOf(double seconds) const {
     return static_cast<int>(
-        std::lround(((seconds - delay) / capture * points - 1) / points * width_));
+        std::lround(((seconds - delay) / capture * graphPoints - 1) / graphPoints * width_));
   }
   double timeUnderPointer() const {
-    return delay + (1 + static_cast<double>(pointer_) / width_ * points) / points * capture;
+    return delay +
+           (1 + static_cast<double>(pointer_) / width_ * graphPoints) / graphPoints * capture;
   }
 
   void moveTo(double seconds) { moveToPixel(pixelOf(seconds)); }
@@ -98,7 +98,7 @@ class Drag : public ProfileBench {
   }
 
  private:
-  void step(const char* kind) { hands().mouse(kind, graph, pointer_, 40); }
+  void step(const char* kind) { hands().mouse(kind, robot::profileGraph, pointer_, 40); }
 
   int width_ = 0;
   int pointer_ = 0;

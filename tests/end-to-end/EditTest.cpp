@@ -270,7 +270,7 @@ TEST_P(LabelEdit, WithoutACaptureTimeTheOldPictureStaysAndOneBoxSaysSo) {
   hands().waitGone("messageBox");
   EXPECT_TRUE(grabGraph().bytes == threeMilliseconds.bytes);
   // Neither the pointer over an edge nor a new size brings it up again.
-  for (int x = 0; x < 400; x += 4) hands().mouse("move", "frmMain/GraphPic", x, 40);
+  for (int x = 0; x < 400; x += 4) hands().mouse("move", robot::profileGraph, x, 40);
   const std::string width = hands().get("frmMain", "width");
   const std::string height = hands().get("frmMain", "height");
   for (const auto& [newWidth, newHeight] : {std::pair{"700"s, "500"s}, std::pair{width, height}}) {

@@ -20,9 +20,9 @@ constexpr std::array parameters = {Parameter{"TRCAPT 1,PMOD,", "TRCAPT? 1,PMOD",
                                    Parameter{"TRDLYT 1,PMOD,", "TRDLYT? 1,PMOD", "TRDLYT? 1PMOD"},
                                    Parameter{"PMPSCAL 1,DB,", "PMPSCAL? 1,DB", "PMPSCAL? 1,DB"}};
 
-class Reader : public ExchangeReader {
+class ProfilePassReader : public ExchangeReader {
  public:
-  explicit Reader(const std::vector<std::string>& messages) : ExchangeReader(messages) {}
+  explicit ProfilePassReader(const std::vector<std::string>& messages) : ExchangeReader(messages) {}
 
  private:
   bool readExchange() override {
@@ -73,7 +73,7 @@ class Reader : public ExchangeReader {
 }  // namespace
 
 std::string brokenExchanges(const std::vector<std::string>& messages) {
-  return Reader(messages).read("TR1 1");
+  return ProfilePassReader(messages).read("TR1 1");
 }
 
 }  // namespace endtoend

@@ -104,7 +104,7 @@ std::string LongRun::findEdge(const std::string& edge, double seconds) {
   typeValue("lblCapture", std::to_string(captureMicroseconds) + "us");
   hands().waitUntil("frmMain/lblCapture", "text", std::to_string(captureMicroseconds) + "us");
   awaitSilence();
-  std::istringstream place(hands().get("frmMain/GraphPic", "place"));
+  std::istringstream place(hands().get(robot::profileGraph, "place"));
   int skipped = 0;
   int width = 0;
   place >> skipped >> skipped >> width;
@@ -112,7 +112,7 @@ std::string LongRun::findEdge(const std::string& edge, double seconds) {
   std::string seen;
   for (int away = 0; away < 16; ++away) {
     for (const int x : {column - away, column + away}) {
-      hands().mouse("move", "frmMain/GraphPic", x, 20);
+      hands().mouse("move", robot::profileGraph, x, 20);
       if (!hands().is("lblgate", "visible")) continue;
       seen = hands().get("lblgate", "text");
       if (readEdgeLabel(seen).edge == edge) return seen;

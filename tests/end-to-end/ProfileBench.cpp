@@ -51,7 +51,7 @@ void ProfileBench::giveItTime() {
 
 Pixels ProfileBench::grabGraph() {
   const std::filesystem::path file = folder() / "graph.ppm";
-  hands().grab("frmMain/GraphPic", file);
+  hands().grab(robot::profileGraph, file);
   return readPixels(file);
 }
 

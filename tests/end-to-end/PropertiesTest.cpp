@@ -357,8 +357,7 @@ TEST_P(Properties, ADragOnTheGraphMovesTheTimeInTheDialog) {
   startLoaded(GetParam());
   openDialog();
   turnTo("Alt+G", "chkRepeat");
-  const std::string graph = "frmMain/GraphPic";
-  std::istringstream place(hands().get(graph, "place"));
+  std::istringstream place(hands().get(robot::profileGraph, "place"));
   int skipped = 0;
   int width = 0;
   place >> skipped >> skipped >> width;
@@ -366,11 +365,11 @@ TEST_P(Properties, ADragOnTheGraphMovesTheTimeInTheDialog) {
   const auto pixelOf = [width](double seconds) {
     return static_cast<int>(std::lround(((seconds + 2e-4) / 2e-3 * 400 - 1) / 400 * width));
   };
-  hands().mouse("move", graph, pixelOf(5e-5), 40);
+  hands().mouse("move", robot::profileGraph, pixelOf(5e-5), 40);
   hands().waitVisible("lblgate");
-  hands().mouse("press", graph, pixelOf(5e-5), 40);
+  hands().mouse("press", robot::profileGraph, pixelOf(5e-5), 40);
   for (const double to : {8e-5, 1.2e-4, 1.6e-4}) {
-    hands().mouse("move", graph, pixelOf(to), 40);
+    hands().mouse("move", robot::profileGraph, pixelOf(to), 40);
     const EdgeLabel label = readEdgeLabel(hands().get("lblgate", "text"));
     EXPECT_EQ(label.edge, "Gate 1 Start");
     EXPECT_NE(label.time, "50us");
@@ -378,7 +377,7 @@ TEST_P(Properties, ADragOnTheGraphMovesTheTimeInTheDialog) {
   }
   const std::string left = text("txtGateInfo_0");
   const std::size_t before = told().size();
-  hands().mouse("release", graph, pixelOf(1.6e-4), 40);
+  hands().mouse("release", robot::profileGraph, pixelOf(1.6e-4), 40);
   const Texts written = toldUntilMark(before);
   ASSERT_EQ(written.size(), 3U);
   const auto command = edgeCommand(written[2]);

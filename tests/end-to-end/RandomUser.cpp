@@ -8,8 +8,6 @@ namespace endtoend {
 
 namespace {
 
-constexpr auto graph = "frmMain/GraphPic";
-
 /// What is typed into a box, and the number that the meter must get; empty for none.
 struct Entry {
   const char* typed;
@@ -233,7 +231,7 @@ void RandomUser::showOrHideReadouts() {
 }
 
 void RandomUser::lookAtTheGraph() {
-  std::istringstream place(hands_.get(graph, "place"));
+  std::istringstream place(hands_.get(robot::profileGraph, "place"));
   int left = 0;
   int top = 0;
   place >> left >> top >> width_ >> height_;
@@ -256,13 +254,13 @@ RandomUser::Point RandomUser::atAnEdge() {
 }
 
 void RandomUser::move(Point point) {
-  hands_.mouse("move", graph, point.x, point.y);
+  hands_.mouse("move", robot::profileGraph, point.x, point.y);
   pointer_ = point;
   if (pressed_) rememberEdge();
 }
 
 void RandomUser::press(Point point) {
-  hands_.mouse("press", graph, point.x, point.y);
+  hands_.mouse("press", robot::profileGraph, point.x, point.y);
   pressed_ = true;
   grabbed_.clear();
   if (hands_.is("lblgate", "visible")) {
@@ -271,7 +269,7 @@ void RandomUser::press(Point point) {
 }
 
 void RandomUser::release() {
-  hands_.mouse("release", graph, pointer_.x, pointer_.y);
+  hands_.mouse("release", robot::profileGraph, pointer_.x, pointer_.y);
   pressed_ = false;
 }
 
@@ -318,7 +316,7 @@ void RandomUser::clearTheWay() {
     }
   }
   if (std::exchange(pressed_, false)) {
-    hands_.mouse("release", graph, pointer_.x, pointer_.y);
+    hands_.mouse("release", robot::profileGraph, pointer_.x, pointer_.y);
   }
   hands_.giveUpAt("messageBox");
 }

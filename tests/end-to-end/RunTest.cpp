@@ -26,7 +26,7 @@ class Run : public BenchOnEachLink {
 
   Pixels grabGraph() {
     const std::filesystem::path file = folder() / "graph.ppm";
-    hands().grab("frmMain/GraphPic", file);
+    hands().grab(robot::profileGraph, file);
     return readPixels(file);
   }
 

@@ -5,7 +5,7 @@
 namespace pulsemod::test {
 
 namespace {
-constexpr std::size_t buffer = 4096;
+constexpr std::size_t bufferSize = 4096;
 constexpr std::size_t completionBuffer = 50;
 constexpr int aborted = 6;
 }  // namespace
@@ -13,7 +13,7 @@ constexpr int aborted = 6;
 std::optional<std::string> OracleLink::wireOf(const std::string& text) {
   sent.push_back(text);
   auto wire = meter_.tell(text);
-  chunk_ = buffer;
+  chunk_ = bufferSize;
   if (!wire) return wire;
   if (serial_) *wire = "R" + *wire;
   if (replies_++ == faults_.spoil.reply) {
@@ -72,7 +72,7 @@ std::optional<std::string> OracleLink::askGpib(const std::string& query) {
   if (!send(query)) return std::nullopt;
   std::string reply;
   while (true) {
-    if (!receive(reply, buffer)) return std::nullopt;
+    if (!receive(reply, bufferSize)) return std::nullopt;
     const auto status = poll();
     if (!status) return std::nullopt;
     if ((*status & 0x20) != 0) {

@@ -9,34 +9,34 @@
 namespace pulsemod::test {
 namespace {
 
-const std::string device = "/dev/ttyUSB0";
+const std::string adapter = "/dev/ttyUSB0";
 
 TEST(OpenFailure, NamesTheGroupToJoin) {
-  EXPECT_EQ(openFailureReason(1, device, PortProblem::refused, {true, false, "dialout"}, "x"),
+  EXPECT_EQ(openFailureReason(1, adapter, PortProblem::refused, {true, false, "dialout"}, "x"),
             "Your user is not in the group dialout, which may use /dev/ttyUSB0. Add it with: sudo "
             "adduser $USER dialout, then log in again.");
 }
 
 TEST(OpenFailure, ADeviceOfNoGroupIsTheAdministrators) {
-  EXPECT_EQ(openFailureReason(1, device, PortProblem::refused, {true, false, ""}, "x"),
+  EXPECT_EQ(openFailureReason(1, adapter, PortProblem::refused, {true, false, ""}, "x"),
             "Only the administrator may use /dev/ttyUSB0. Its permissions must be changed first.");
 }
 
 TEST(OpenFailure, ARefusedPortThatMayBeUsedIsInUse) {
-  EXPECT_EQ(openFailureReason(3, device, PortProblem::refused, {true, true, "dialout"}, "x"),
+  EXPECT_EQ(openFailureReason(3, adapter, PortProblem::refused, {true, true, "dialout"}, "x"),
             "The port COM3: (/dev/ttyUSB0) is in use by another program.");
 }
 
 TEST(OpenFailure, ADeviceThatIsGoneIsNotThereWhateverTheProblem) {
   for (const auto problem : {PortProblem::notFound, PortProblem::refused, PortProblem::unusable}) {
-    EXPECT_EQ(openFailureReason(3, device, problem, {false, false, ""}, "x"),
+    EXPECT_EQ(openFailureReason(3, adapter, problem, {false, false, ""}, "x"),
               "The port COM3: (/dev/ttyUSB0) is not there. Is its adapter plugged in?");
   }
 }
 
 TEST(OpenFailure, OtherwiseTheSystemSaysWhy) {
   EXPECT_EQ(
-      openFailureReason(3, device, PortProblem::unusable, {true, true, "dialout"}, "I/O error"),
+      openFailureReason(3, adapter, PortProblem::unusable, {true, true, "dialout"}, "I/O error"),
       "The port COM3: (/dev/ttyUSB0) could not be opened: I/O error.");
 }
 

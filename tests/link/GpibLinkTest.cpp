@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "Queries.h"
 #include "link/GpibCalls.h"
 #include "link/MeterLink.h"
 #include "support/FakeWorld.h"
@@ -23,10 +24,6 @@ class GpibLink : public testing::Test {
   FakeWorld world;
   std::string reply = "old text";
 };
-
-/// The two queries differ in their polling alone.
-using Query = bool (*)(const std::string&, std::string&);
-constexpr Query queries[] = {QueryMeter, QueryMeterWhenReady};
 
 TEST_F(GpibLink, OpeningClearsInterfaceThenMeterThenPauses) {
   LinkSettings.gpibAddress = 9;

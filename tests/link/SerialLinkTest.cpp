@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "Queries.h"
 #include "link/MeterLink.h"
 #include "support/FakeWorld.h"
 
@@ -10,8 +11,6 @@ namespace pulsemod::test {
 namespace {
 
 using Calls = std::vector<std::string>;
-using Query = bool (*)(const std::string&, std::string&);
-constexpr Query queries[] = {QueryMeter, QueryMeterWhenReady};
 
 class SerialLink : public testing::Test {
  protected:

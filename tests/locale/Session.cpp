@@ -180,8 +180,7 @@ void Session::editLabels() {
 
 /// The first gate's start, at 50 us, goes to about 1 ms.
 void Session::dragEdge() {
-  constexpr auto graph = "frmMain/GraphPic";
-  const int width = widthOf(graph);
+  const int width = widthOf(robot::profileGraph);
   const auto pixelOf = [width](double seconds) {
     constexpr double delay = -50.5e-6;
     constexpr double capture = 4.5e-3;
@@ -189,12 +188,13 @@ void Session::dragEdge() {
         std::lround(((seconds - delay) / capture * points - 1) / points * width));
   };
   constexpr int row = 40;
-  hands().mouse("move", graph, pixelOf(5e-5), row);
+  hands().mouse("move", robot::profileGraph, pixelOf(5e-5), row);
   hands().waitVisible("lblgate");
-  hands().mouse("press", graph, pixelOf(5e-5), row);
-  for (const double to : {1.2e-4, 2.1e-4}) hands().mouse("move", graph, pixelOf(to), row);
+  hands().mouse("press", robot::profileGraph, pixelOf(5e-5), row);
+  for (const double to : {1.2e-4, 2.1e-4})
+    hands().mouse("move", robot::profileGraph, pixelOf(to), row);
   keepText("lblgate");
-  hands().mouse("release", graph, pixelOf(2.1e-4), row);
+  hands().mouse("release", robot::profileGraph, pixelOf(2.1e-4), row);
   settle();
 }
 
@@ -262,7 +262,7 @@ void Session::readouts() {
     keepText("frmInfo/"s + label);
   }
   for (const char* label : {"lblMarkerPow_0", "lblMarkerTime_0"}) keepText("frmMarkers/"s + label);
-  keepPicture("frmMain/GraphPic");
+  keepPicture(robot::profileGraph);
   keepPicture("frmInfo");
   keepPicture("frmMarkers");
   hands().trigger("frmMain/menuInfoBox");
@@ -324,7 +324,7 @@ void Session::ccdf() {
                             "lblCursorPercentage"}) {
     keepText("frmCCDF/"s + label);
   }
-  keepPicture("frmCCDF/CCDFGraphPic");
+  keepPicture(robot::ccdfGraph);
   curveFiles();
   hands().close("frmCCDF");
   expectProgramEnd();
@@ -332,15 +332,14 @@ void Session::ccdf() {
 
 /// It stands at 1.75 dBm.
 void Session::dragCursor() {
-  constexpr auto graph = "frmCCDF/CCDFGraphPic";
-  const int width = widthOf(graph);
+  const int width = widthOf(robot::ccdfGraph);
   const auto pixelOf = [width](double power) {
     return static_cast<int>(std::lround((power + 22.5) / (17.25 + 22.5) * width));
   };
   constexpr int row = 20;
   for (const auto& [step, power] :
        {std::pair{"move", 1.75}, {"press", 1.75}, {"move", -3.3}, {"release", -3.3}}) {
-    hands().mouse(step, graph, pixelOf(power), row);
+    hands().mouse(step, robot::ccdfGraph, pixelOf(power), row);
   }
   settleCCDF();
 }

@@ -20,7 +20,7 @@ struct Control {
 
 void PrintTo(const Control& control, std::ostream* out) { *out << control.name; }
 
-const std::vector<Control> controls = {
+const std::vector<Control> allControls = {
     {"AverageOn", [] { SwitchAveraging(true); }, {"PMAVGS @,ON"}, "", true},
     {"AverageOff", [] { SwitchAveraging(false); }, {"PMAVGS @,OFF"}, "", true},
     {"AverageCount", [] { SetAveragingCount(16); }, {"PMAVGN @, 16"}, "", true},
@@ -97,7 +97,7 @@ class PropertyControl : public PropertiesTest, public ::testing::WithParamInterf
   void use() { answer(GetParam().typed, GetParam().click); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Controls, PropertyControl, ::testing::ValuesIn(controls),
+INSTANTIATE_TEST_SUITE_P(Controls, PropertyControl, ::testing::ValuesIn(allControls),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_P(PropertyControl, SendsItsMessagesAndNoOthersOnGpib) {
@@ -139,7 +139,7 @@ TEST_P(PropertyControl, WaitsForTheOpenConversation) {
 
 TEST_F(PropertiesTest, SettingsOfOneChannelAreAFaultWithBothAndSayNothingToTheMeter) {
   Settings.ActiveChannel = 3;
-  for (const Control& control : controls) {
+  for (const Control& control : allControls) {
     if (!control.ofOneChannel) continue;
     EXPECT_THROW(control.click(), Fault) << control.name;
   }

@@ -5,7 +5,7 @@ namespace soak {
 namespace {
 
 constexpr Time callTime = std::chrono::microseconds(50);
-constexpr Time byteTime = std::chrono::nanoseconds(500);
+constexpr Time gpibByteTime = std::chrono::nanoseconds(500);
 /// The time-out of the board that the program believes in.
 constexpr Time boardTimeOut = std::chrono::seconds(1);
 
@@ -22,7 +22,7 @@ bool MeterOnGpib::finish(const simmeter::CallStatus& done) {
   *error_ = done.error;
   *count_ = static_cast<int>(done.count);
   *longCount_ = done.count;
-  time_.advance(callTime + byteTime * done.count);
+  time_.advance(callTime + gpibByteTime * done.count);
   if ((done.status & simmeter::ibsta::kTimeOut) != 0) time_.advance(boardTimeOut);
   return (done.status & simmeter::ibsta::kError) == 0;
 }

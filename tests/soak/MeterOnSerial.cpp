@@ -7,7 +7,7 @@ namespace soak {
 
 namespace {
 
-constexpr Time byteTime = std::chrono::nanoseconds(1'000'000'000LL * 10 / 57600);
+constexpr Time serialByteTime = std::chrono::nanoseconds(1'000'000'000LL * 10 / 57600);
 /// What a port gathers before it tells the program.
 constexpr std::size_t burst = 64;
 
@@ -16,13 +16,13 @@ constexpr std::size_t burst = 64;
 MeterOnSerial::MeterOnSerial(const simmeter::Scenario& scenario, SimulatedTime& time,
                              TraceReader& reader)
     : exchange_(scenario, simmeter::kSerialFraming, transcript_), time_(time), reader_(reader) {
-  exchange_.setBytePace(byteTime);
+  exchange_.setBytePace(serialByteTime);
 }
 
 void MeterOnSerial::write(std::string_view bytes) {
   if (!isOpen_) return;
   outgoing_ += bytes;
-  lastLeaves_ = time_.now() + byteTime * static_cast<Time::rep>(outgoing_.size());
+  lastLeaves_ = time_.now() + serialByteTime * static_cast<Time::rep>(outgoing_.size());
 }
 
 void MeterOnSerial::lose(const std::string& reason) {
