@@ -8,7 +8,8 @@ namespace pulsemod {
 /// One pass: lets the user interface run, and while the acquisition runs reads one curve, carries
 /// out the pending requests, reads the cursor if it is shown, shows the rate and draws. While it
 /// does not run, the pass waits for an event. A failed curve query ends the program; a reply that
-/// is no curve draws the old one again; a fault stops the acquisition and is reported.
+/// is no curve draws the old one again; a fault stops the acquisition and is reported. A serial
+/// port that is lost after the curve was read stops it, too, with the curve drawn.
 void AcquireCCDF();
 
 /// Carries out every pending request, in the order start power, stop power, sources, cursor on,

@@ -27,7 +27,7 @@ bool aMarkerIsOn() {
                      [](const MarkerSettings& marker) { return marker.Enabled != False16; });
 }
 
-void readOut() {
+void refreshReadouts() {
   if (profileView().infoBox() != nullptr) {
     ReadGateMeasurements(presentGateMeasurementMode());
     UpdateInfoBox();
@@ -46,7 +46,7 @@ void acquire() {
   if (ProfileReadFailed) return;
   if (!linkIsLost()) {
     if (const auto rate = rateText(start)) profileView().showRate(*rate, rateToolTip);
-    readOut();
+    refreshReadouts();
   }
   if (!RefreshPicture()) StopAcquisition();
   services().events.processPending();

@@ -11,7 +11,8 @@ extern bool ProfileReadFailed;
 /// One pass: lets the user interface run, and while the acquisition runs reads one profile, carries
 /// out pending edits, shows the rate, reads the gates' measurements if the info box is open, reads
 /// the markers and redraws. While it does not run, the pass waits for an event. A failed profile
-/// read skips what follows the edits, silently; a fault stops the acquisition and is reported.
+/// read skips what follows the edits, silently; a fault stops the acquisition and is reported. A
+/// serial port that is lost after the profile was read stops it, too, with the profile drawn.
 void AcquireProfile();
 
 /// `menuStart`: menus first; then, when the link is free, device clear (GPIB), the read-back of
