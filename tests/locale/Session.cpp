@@ -191,8 +191,9 @@ void Session::dragEdge() {
   hands().mouse("move", robot::profileGraph, pixelOf(5e-5), row);
   hands().waitVisible("lblgate");
   hands().mouse("press", robot::profileGraph, pixelOf(5e-5), row);
-  for (const double to : {1.2e-4, 2.1e-4})
+  for (const double to : {1.2e-4, 2.1e-4}) {
     hands().mouse("move", robot::profileGraph, pixelOf(to), row);
+  }
   keepText("lblgate");
   hands().mouse("release", robot::profileGraph, pixelOf(2.1e-4), row);
   settle();
