@@ -238,9 +238,7 @@ TEST_F(CCDFPassTest, SerialPortLostAtARequestIsToldOnceAndStops) {
   world.useSerial();
   showCursorOn();
   requestEverything();
-  world.meter.onMessage = [this](const std::string& message) {
-    if (message == "TTPST 1,-30") world.serial.lose();
-  };
+  world.loseSerialAt("TTPST 1,-30");
   AcquireCCDF();
   EXPECT_EQ(received(), withCurve({"TTPST 1,-30"}));
   EXPECT_EQ(shownBoxes(), (Boxes{"Pelmora|The serial port was lost.|exclamation"}));
@@ -254,9 +252,7 @@ TEST_F(CCDFPassTest, SerialPortLostAtARequestIsToldOnceAndStops) {
 TEST_F(CCDFPassTest, SerialPortLostAtTheCursorLeavesTheCurveOnTheScreen) {
   world.useSerial();
   showCursorOn();
-  world.meter.onMessage = [this](const std::string& message) {
-    if (message == "TTMKRO 1") world.serial.lose();
-  };
+  world.loseSerialAt("TTMKRO 1");
   AcquireCCDF();
   EXPECT_EQ(received(), withCurve({"TTMKRO 1"}));
   EXPECT_EQ(shownBoxes(), (Boxes{"Pelmora|The serial port was lost.|exclamation"}));
@@ -271,9 +267,7 @@ TEST_F(CCDFPassTest, SerialPortLostInTheCurveEndsTheProgramWithoutAMessage) {
   for (const char* moment : {"PPACQRT 1", "TTFRO 1"}) {
     world.serial.open();
     AcquisitionRunning = True16;
-    world.meter.onMessage = [this, moment](const std::string& message) {
-      if (message == moment) world.serial.lose();
-    };
+    world.loseSerialAt(moment);
     EXPECT_THROW(AcquireCCDF(), ProgramEnded) << moment;
   }
   EXPECT_TRUE(world.dialogs.messages.empty());

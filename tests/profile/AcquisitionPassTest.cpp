@@ -434,9 +434,7 @@ TEST_F(AcquisitionPassTest, OnlyAFailedReadLetsTheNextPassWaitTenMilliseconds) {
 
 TEST_F(AcquisitionPassTest, SerialPortLostAtTheTriggerIsToldOnceAndStopsTheAcquisition) {
   world.useSerial();
-  world.meter.onMessage = [this](const std::string& message) {
-    if (message == "TR1 1") world.serial.lose();
-  };
+  world.loseSerialAt("TR1 1");
   AcquireProfile();
   expectOneBox("The serial port was lost.");
   EXPECT_EQ(AcquisitionRunning, False16);
@@ -448,9 +446,7 @@ TEST_F(AcquisitionPassTest, SerialPortLostInAPassEndsTheProgramWithoutABox) {
   world.useSerial();
   switchMarkerOn(1);
   editReference(5);
-  world.meter.onMessage = [this](const std::string& message) {
-    if (message == "PMPO 1") world.serial.lose();
-  };
+  world.loseSerialAt("PMPO 1");
   EXPECT_THROW(AcquireProfile(), ProgramEnded);
   EXPECT_EQ(received(), (Transcript{"TR1 1", "PMPO 1"}));
   EXPECT_TRUE(world.dialogs.messages.empty());
@@ -462,9 +458,7 @@ TEST_F(AcquisitionPassTest, SerialPortLostAtAnEditLeavesTheProfileOnTheScreen) {
   openInfoBox({2});
   switchMarkerOn(1);
   editReference(5);
-  world.meter.onMessage = [this](const std::string& message) {
-    if (message == "PMPREF 1,DB,5") world.serial.lose();
-  };
+  world.loseSerialAt("PMPREF 1,DB,5");
   AcquireProfile();
   EXPECT_EQ(received(), (Transcript{"TR1 1", "PMPO 1", "PMPREF 1,DB,5"}));
   expectOneBox("The serial port was lost.");

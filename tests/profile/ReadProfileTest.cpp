@@ -156,9 +156,7 @@ TEST_F(ReadProfileTest, PortLostWhileArmingFailsOnly) {
 TEST_F(ReadProfileTest, PortLostWhileReadingEndsTheProgramWithoutABox) {
   world.useSerial();
   answerProfile(levels(200));
-  world.meter.onMessage = [this](const std::string& message) {
-    if (message == "PMPO 1") world.serial.lose();
-  };
+  world.loseSerialAt("PMPO 1");
   EXPECT_THROW(ReadProfile(), ProgramEnded);
   EXPECT_EQ(received(), (Transcript{"TR1 1", "PMPO 1"}));
   EXPECT_EQ(world.programEnd.ends, 1);

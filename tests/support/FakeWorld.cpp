@@ -60,4 +60,10 @@ void FakeWorld::useSerial() {
   serial.open();
 }
 
+void FakeWorld::loseSerialAt(const std::string& message) {
+  meter.onMessage = [this, message](const std::string& got) {
+    if (got == message) serial.lose();
+  };
+}
+
 }  // namespace pulsemod::test

@@ -295,6 +295,8 @@ class FakeWorld {
 
   /// Makes RS232 the link and opens its port.
   void useSerial();
+  /// The serial port is lost as soon as the meter has got this message.
+  void loseSerialAt(const std::string& message);
 
  private:
   Services services_{clock,   events,      gpib,  serial,   store,
